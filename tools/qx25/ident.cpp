@@ -1,0 +1,52 @@
+// qx25 ident: the IDENTIFICATION block of a link configuration file.
+#include "command.h"
+
+#include "qx25.h"
+
+#include <cstring>
+#include <iostream>
+#include <string_view>
+
+namespace qx25tool {
+
+namespace {
+
+void field(std::string_view name, const char *value, std::size_t width) {
+    std::cout << name << std::string(17 - name.size(), ' ')
+              << std::string_view(value, ::strnlen(value, width)) << '\n';
+}
+
+} // namespace
+
+int run_ident(const command &self, std::span<char *const> args) {
+    if (args.size() != 1) return usage_error(self, "one FILE is needed");
+    const char *name = args.front();
+
+    config_identification ids;
+    FILE *stream = x25_open_config_file(name, &ids, 0);
+    if (stream == nullptr) return exit_failure; // the library said why
+    // The first SECTION line waits in the reader's push-back: take it back
+    // before the stream goes away.
+    config_line line{};
+    x25_read_config_line(stream, &line);
+    std::fclose(stream);
+
+    field("file", name, std::strlen(name));
+    field("PRODUCT_NAME", ids.product_name, sizeof ids.product_name);
+    field("PRODUCT_VERSION", ids.product_version, sizeof ids.product_version);
+    field("FILE_TYPE", ids.file_type, sizeof ids.file_type);
+    field("MODIFIED_BY", ids.modified_by, sizeof ids.modified_by);
+    field("FILE_DATE", ids.file_date, sizeof ids.file_date);
+    if (ids.comments[0] != '\0') {
+        std::cout << "comments:\n";
+        std::string_view comments(ids.comments, ::strnlen(ids.comments, sizeof ids.comments));
+        while (!comments.empty()) {
+            std::size_t end = comments.find('\n');
+            std::cout << "  !" << comments.substr(0, end) << '\n';
+            comments.remove_prefix(end == std::string_view::npos ? comments.size() : end + 1);
+        }
+    }
+    return exit_ok;
+}
+
+} // namespace qx25tool
