@@ -134,6 +134,410 @@ QX25_API int x25tosnid(uint32_t snid, char *text);
 QX25_API int x25tolinkid(uint32_t snid, char *text);
 QX25_API int getnettype(const char *text);
 
+/* ------------------------------------------------------------------------ */
+/* Driver tuning records                                                    */
+/* ------------------------------------------------------------------------ */
+
+/* Logical channel ranges and their counts, as parse_lcns keeps them. */
+typedef struct x25_lcn_block {
+    int16_t pvc_low, pvc_high;
+    int16_t inc_low, inc_high;
+    int16_t two_low, two_high;
+    int16_t out_low, out_high;
+    uint16_t pvc_count, inc_count, two_count, out_count;
+    int16_t total;
+} x25_lcn_block;
+
+/* Closed user group flags (x25_template.cug). */
+#define X25_CUG_SUB 0x01
+#define X25_CUG_SUB_PREF 0x02
+#define X25_CUG_SUB_OA 0x04
+#define X25_CUG_SUB_IA 0x08
+#define X25_CUG_BASIC 0x10
+#define X25_CUG_EXTENDED 0x20
+#define X25_CUG_BAR_IN 0x40
+
+/* Facility flags (x25_template.facilities). */
+#define X25_FAC_USE_NEGOTIATION 0x001
+#define X25_FAC_BAR_NEGOTIATION 0x002
+#define X25_FAC_FAST_SELECT 0x004
+#define X25_FAC_FS_R_RESPONSE 0x008
+#define X25_FAC_ACCEPT_REVCHG 0x010
+#define X25_FAC_PREV_CHG 0x020
+#define X25_FAC_BAR_INCALL 0x040
+#define X25_FAC_BAR_OUTCALL 0x080
+#define X25_FAC_SUB_TOA_NPI_FMT 0x100
+#define X25_FAC_BAR_TOA_NPI_FMT 0x200
+#define X25_FAC_SUB_NUI_OVERRIDE 0x400
+#define X25_FAC_BAR_CALL_X32_REG 0x800
+
+/* Mode flags (x25_template.options). */
+#define X25_OPT_ACC_NODIAG 0x001
+#define X25_OPT_USE_DIAG 0x002
+#define X25_OPT_CCITT_CLEAR_LEN 0x004
+#define X25_OPT_BAR_DIAG 0x008
+#define X25_OPT_DISC_NZ_DIAG 0x010
+#define X25_OPT_ACC_HEX_ADD 0x020
+#define X25_OPT_BAR_NONPRIV_LISTEN 0x040
+#define X25_OPT_INTL_PRIORITISED 0x080
+#define X25_OPT_DATAPAC_PRIORITY 0x100
+#define X25_OPT_ISO_8882_MODE 0x200
+#define X25_OPT_SEND_X121_TO_LAN 0x400
+#define X25_OPT_INSERT_X121_FROM_LAN 0x800
+
+/* D-bit controls (x25_template.dbit): two bits a keyword, low bit
+ * "clear" or "reset", high bit "zero". */
+#define X25_DBIT_ACCEPT_IN_CLEAR 0x01
+#define X25_DBIT_ACCEPT_IN_ZERO 0x02
+#define X25_DBIT_ACCEPT_OUT_CLEAR 0x04
+#define X25_DBIT_ACCEPT_OUT_ZERO 0x08
+#define X25_DBIT_DATA_IN_RESET 0x10
+#define X25_DBIT_DATA_IN_ZERO 0x20
+#define X25_DBIT_DATA_OUT_RESET 0x40
+#define X25_DBIT_DATA_OUT_ZERO 0x80
+
+/* Packet level modes (x25_template.plp_mode). */
+#define X25_PLP_DCE 0
+#define X25_PLP_NORMAL 1
+#define X25_PLP_AUTO 2
+
+/* Modulo (x25_template.modulo): the general format identifier bits. */
+#define X25_MODULO_8 16
+#define X25_MODULO_128 32
+
+/* The X.25 packet level tuning record: 140 bytes, exchanged byte for byte
+ * with the driver. Timers in tenths of a second, delays in milliseconds,
+ * packet sizes as powers of two. */
+typedef struct x25_template {
+    int32_t link;
+    uint8_t network;
+    uint8_t version; /* 0 1980, 1 1984, 2 1988 */
+    uint8_t plp_mode;
+    uint8_t reserved_7;
+    x25_lcn_block lcn;
+    uint8_t modulo;
+    uint8_t locmaxpktsize, remmaxpktsize, locdefpktsize, remdefpktsize;
+    uint8_t locmaxwinsize, remmaxwinsize, locdefwinsize, remdefwinsize;
+    uint8_t reserved_43;
+    uint16_t max_nsdu;
+    int16_t ackdelay, t20value, t21value, t22value, t23value, t24value, t25value, t26value,
+        t28value, idlevalue, connectvalue;
+    uint8_t r20value, r22value, r23value, r28value;
+    uint16_t localdelay, accessdelay;
+    uint8_t locmaxthclass, remmaxthclass, locdefthclass, remdefthclass, locminthclass,
+        remminthclass;
+    uint8_t cug;
+    uint8_t reserved_83;
+    uint16_t facilities;
+    uint16_t options;
+    uint8_t intl_addr_recogn;
+    uint8_t dnic[2];
+    uint8_t prty_encode;
+    uint8_t prty_forced;
+    uint8_t src_addr;
+    uint8_t dbit;
+    uint8_t thclass_neg_to_def;
+    uint8_t thclass_type;
+    uint8_t thclass_wmap[16];
+    uint8_t thclass_pmap[16];
+    uint8_t reserved_129;
+    uint8_t driver_flag; /* 255 when sent to the driver */
+    uint8_t reserved_131[9];
+} x25_template;
+
+/* LAPB option flags (lapb_template.flags). */
+#define LAPB_IGN_UA_ERROR 0x01
+#define LAPB_FRMR_FRMR_ERROR 0x02
+#define LAPB_FRMR_INVRSP_ERROR 0x04
+#define LAPB_SFRAME_PBIT 0x08
+#define LAPB_NO_DM_ADM 0x10
+#define LAPB_SABM_IN_X32 0x20
+#define LAPB_ISO8882 0x40
+#define LAPB_INITIAL_DOWN 0x80
+
+/* The LAPB tuning record: 32 bytes. Timers in tenths of a second. */
+typedef struct lapb_template {
+    uint8_t kind; /* 19 in every driver exchange */
+    uint8_t reserved[3];
+    int32_t link;
+    uint16_t n2_count, t1_timer, pf_timer, reject_timer, busy_timer, idle_timer, rr_ack_delay;
+    uint16_t unack_max, local_win, local_probe, max_iframe_len;
+    uint16_t flags;
+} lapb_template;
+
+/* The LLC2 tuning record: 36 bytes. Timers in tenths of a second. */
+typedef struct llc2_template {
+    uint8_t kind; /* 35 in every driver exchange */
+    uint8_t reserved[3];
+    int32_t link;
+    uint16_t n2_count, t1_timer, pf_timer, reject_timer, busy_timer, idle_timer, rr_ack_delay;
+    uint16_t unack_max, local_win, local_probe, max_iframe_len;
+    uint16_t xid_window, xid_ndup, xid_tdup;
+} llc2_template;
+
+/* The WAN tuning record. line_speed 0 stands for an external clock. */
+typedef struct wan_template {
+    int32_t link;
+    uint16_t max_frame;
+    uint32_t line_speed;
+} wan_template;
+
+/* ------------------------------------------------------------------------ */
+/* Link configuration records                                               */
+/* ------------------------------------------------------------------------ */
+
+/* Full-line comments before a line and the trailing comment on it; heap
+ * strings owned by the record (null when absent). */
+typedef struct config_comment {
+    char *comments;
+    char *trailer;
+} config_comment;
+
+/* Keyword counts of the sections (and their comment pairs). */
+#define LINK_KEYWORDS 10
+#define X25_KEYWORDS 85
+#define LAPB_KEYWORDS 23
+#define LLC2_KEYWORDS 14
+#define WAN_KEYWORDS 11
+#define MLP_KEYWORDS 6
+
+#define LINK_MAX_DEVICES 5
+#define MLP_MAX_SUBSECTIONS 5
+
+/* Section codes of the section map. */
+enum config_section_code {
+    SECTION_LINK = 1,
+    SECTION_X25 = 2,
+    SECTION_LLC2 = 3,
+    SECTION_LAPB = 4,
+    SECTION_WAN = 5,
+    SECTION_MLP = 6
+};
+
+/* Network type indexes (link_values.net_type). */
+enum link_net_type {
+    NET_WAN88 = 0,
+    NET_WAN84 = 1,
+    NET_WAN80 = 2,
+    NET_LAN = 3,
+    NET_MLP1 = 4,
+    NET_MLP2 = 5,
+    NET_MLP3 = 6,
+    NET_MLP4 = 7,
+    NET_MLP5 = 8,
+    NET_UNKNOWN = 9
+};
+
+/* Link mode codes (link_values.link_mode): frame protocol and side. */
+enum link_mode_code {
+    LC_LLC1 = 15,
+    LC_LLC2 = 16,
+    LC_LAPBDTE = 17,
+    LC_LAPBXDTE = 18,
+    LC_LAPBDCE = 19,
+    LC_LAPBXDCE = 20,
+    LC_LAPDTE = 21,
+    LC_LAPDCE = 22,
+    LC_MLAPBDTE = 23,
+    LC_MLAPBXDTE = 24,
+    LC_MLAPBDCE = 25,
+    LC_MLAPBXDCE = 26
+};
+
+/* link_values.flags: the WAN connect procedure is X.21 or V.25. */
+#define LINK_FLAG_CALL_PROCEDURE 0x0001
+
+/* A subnetwork as the subnetworks database returns it; the link record
+ * holds one in exactly this shape. */
+typedef struct subnet_entry {
+    x25_address address; /* snid is the link number */
+    char *name;          /* alias, may be null */
+    char *description;   /* may be null */
+} subnet_entry;
+
+/* One permanent virtual circuit of a link. */
+typedef struct pvc_entry {
+    struct pvc_entry *next;
+    struct pvc_entry *prev;
+    int32_t link;
+    uint16_t lcn;
+    uint8_t pktsize[2]; /* packet size indexes: 0 = 16 bytes ... 8 = 4096 */
+    uint8_t window[2];
+} pvc_entry;
+
+typedef struct link_values {
+    uint8_t device_type[LINK_MAX_DEVICES];  /* rows of __config_linktype */
+    uint8_t device_line[LINK_MAX_DEVICES];  /* line on the board */
+    uint8_t device_board[LINK_MAX_DEVICES]; /* board number */
+    uint8_t mlp_priority[MLP_MAX_SUBSECTIONS];
+    uint16_t flags;         /* LINK_FLAG_CALL_PROCEDURE */
+    uint8_t net_type;       /* enum link_net_type */
+    uint8_t link_mode;      /* enum link_mode_code, 0 = none yet */
+    char local_address[18]; /* up to 17 upper-case hexadecimal digits */
+    uint8_t device_count;
+    uint8_t mlp; /* two or more devices, or an MLP protocol */
+    uint8_t max_lan_conns;
+    subnet_entry subnet; /* full_address, alias, description */
+    pvc_entry *pvcs;     /* first PVC of the link, or null */
+} link_values;
+
+typedef struct link_section {
+    config_comment section;
+    config_comment keyword[LINK_KEYWORDS];
+    link_values values;
+} link_section;
+
+typedef struct x25_section {
+    config_comment section;
+    config_comment keyword[X25_KEYWORDS];
+    x25_template values;
+} x25_section;
+
+typedef struct lapb_section {
+    config_comment section;
+    config_comment keyword[LAPB_KEYWORDS];
+    lapb_template values;
+} lapb_section;
+
+typedef struct llc2_section {
+    config_comment section;
+    config_comment keyword[LLC2_KEYWORDS];
+    llc2_template values;
+} llc2_section;
+
+/* WAN values: the tuning record first, then what only the configuration
+ * file carries. Timers in tenths of a second. */
+typedef struct wan_values {
+    wan_template tuning;
+    uint16_t flags;        /* bit 0: translate */
+    uint16_t line_option;  /* set by no keyword */
+    uint16_t connect_proc; /* 0 none, 1 X21, 2 V25 */
+    uint16_t x21_t1;       /* shared with v25_callreq */
+    uint16_t x21_t2, x21_t3a, x21_t4b, x21_t5, x21_t6;
+} wan_values;
+
+typedef struct wan_section {
+    config_comment section;
+    config_comment keyword[WAN_KEYWORDS];
+    wan_values values;
+} wan_section;
+
+typedef struct mlp_values {
+    uint16_t mlp_win, guard;
+    uint16_t mt1, mt2, mt3; /* tenths of a second */
+    uint16_t mn1;
+    lapb_section *lapb[MLP_MAX_SUBSECTIONS]; /* SUBSECTION LAPB, file order */
+    wan_section *wan[MLP_MAX_SUBSECTIONS];   /* SUBSECTION WAN, file order */
+} mlp_values;
+
+typedef struct mlp_section {
+    config_comment section;
+    config_comment keyword[MLP_KEYWORDS];
+    mlp_values values;
+} mlp_section;
+
+/* One link's whole configuration. */
+typedef struct link_config {
+    config_identification ids;
+    link_section link;
+    x25_section x25;
+    mlp_section mlp;
+    lapb_section lapb;
+    llc2_section llc2;
+    wan_section wan;
+} link_config;
+
+/* X.32 identity and signature of an X.25 section or a LAPB (sub)section. */
+typedef struct x32_record {
+    int32_t link;
+    uint8_t identity_len;  /* bytes of packed digits */
+    uint8_t signature_len; /* bytes of packed digits */
+    uint8_t authen;        /* 1 when authentication is enabled */
+    uint8_t identity[32];
+    uint8_t signature[32];
+} x32_record;
+
+/* Storage for one static link configuration. */
+QX25_API extern config_identification ids;
+QX25_API extern link_section cs;
+QX25_API extern x25_section xs;
+QX25_API extern lapb_section lbs;
+QX25_API extern llc2_section l2s;
+QX25_API extern wan_section ws;
+QX25_API extern mlp_section ms;
+
+/* Keyword tables: name and index (the index of the keyword's comment pair),
+ * ended by a row with a null name. */
+typedef struct config_keyword {
+    const char *name;
+    int index;
+} config_keyword;
+
+QX25_API extern const config_keyword __LINK_functions[];
+QX25_API extern const config_keyword __X25_functions[];
+QX25_API extern const config_keyword __LAPB_functions[];
+QX25_API extern const config_keyword __LLC2_functions[];
+QX25_API extern const config_keyword __WAN_functions[];
+QX25_API extern const config_keyword __MLP_functions[];
+/* Section names and codes: link 1, x25 2, llc2 3, lapb 4, wan 5, mlp 6. */
+QX25_API extern const config_keyword section_map[];
+
+/* Reading a link configuration. mode: in, X25_CONFIG_SILENT makes a missing
+ * file a silent success; out, 0, or 3 / 4 / 6 for the last SECTION LLC2,
+ * LAPB or MLP read. Records other than ids and link may be null. */
+QX25_API int x25_read_config_parameters(int link_number, config_identification *ids,
+                                        link_section *link, x25_section *x25, mlp_section *mlp,
+                                        lapb_section *lapb, llc2_section *llc2, wan_section *wan,
+                                        int *mode);
+QX25_API int x25_read_config_parameters_x32(int link_number, config_identification *ids,
+                                            link_section *link, x25_section *x25, mlp_section *mlp,
+                                            lapb_section *lapb, llc2_section *llc2,
+                                            wan_section *wan, x32_record *x25_x32,
+                                            x32_record *lapb_x32, x32_record *mlp_x32, int *mode);
+QX25_API int x25_read_config_parameter_file(const char *name, config_identification *ids,
+                                            link_section *link, x25_section *x25, mlp_section *mlp,
+                                            lapb_section *lapb, llc2_section *llc2,
+                                            wan_section *wan, int *mode);
+QX25_API int x25_read_config_parameter_file_x32(const char *name, config_identification *ids,
+                                                link_section *link, x25_section *x25,
+                                                mlp_section *mlp, lapb_section *lapb,
+                                                llc2_section *llc2, wan_section *wan,
+                                                x32_record *x25_x32, x32_record *lapb_x32,
+                                                x32_record *mlp_x32, int *mode);
+
+/* Name and instance of a link's index-th device. */
+QX25_API int x25_device_instance(const link_values *link, int index, char *name, int *instance);
+
+/* Defaults of a LAPB and a WAN section; null does nothing. */
+QX25_API void load_lapb_defaults(lapb_template *values);
+QX25_API void load_wan_defaults(wan_values *values);
+
+/* Name of a network number of world_networks.profile, or "<Unknown>". */
+QX25_API const char *__network_name(uint32_t number);
+
+/* ------------------------------------------------------------------------ */
+/* Device type table                                                        */
+/* ------------------------------------------------------------------------ */
+
+#define DEVICE_TYPE_ROWS 51
+
+enum device_kind { DEVICE_END = 0, DEVICE_WAN = 1, DEVICE_LAN = 2 };
+
+/* One kind of device of boardconf. */
+typedef struct device_type {
+    char symbolic[8];
+    char device[20]; /* device name prefix used in link files */
+    char wanmod[16]; /* driver module */
+    uint8_t lines;   /* lines per board */
+    uint8_t type;    /* enum device_kind; 0 ends the table */
+    uint8_t valid;
+    char *comment;
+    int32_t mru;
+} device_type;
+
+/* The device types of the configuration reader, filled from boardconf. */
+QX25_API extern device_type __config_linktype[DEVICE_TYPE_ROWS];
+
 #ifdef __cplusplus
 }
 #endif
