@@ -28,6 +28,9 @@ const char *const usage =
     "Commands:\n"
     "  addr      parse X.25 addresses and show their fields\n"
     "  ident     show the IDENTIFICATION block of a configuration file\n"
+    "  check     read link configurations and show every problem\n"
+    "  devices   show the device type table read from boardconf\n"
+    "  networks  show the network profiles of world_networks.profile\n"
     "\n"
     "Files are looked up under $X25CONFIGFILES (default /etc/opt/Tarvenco/x25)\n"
     "and $X25LIBFILES (default /opt/Tarvenco/x25/lib).\n";
@@ -178,6 +181,101 @@ TEST_F(Tool, MessagesFollowTheCatalogOfTheLocale) {
     auto result = run_tool({"ident", "/nonexistent/link.cfg"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "Erreur à l'ouverture du fichier /nonexistent/link.cfg\n\n");
+}
+
+const char *const link_head = "IDENTIFICATION\n\tPRODUCT_NAME\tQuenlark X.25\n";
+
+TEST_F(Tool, CheckSaysOkForCleanFilesAndExitsZero) {
+    tree.write("config/boardconf", "WAN_DEVICE\n\tdevice wan\n\tlines 2\n");
+    tree.write("config/config/link_config_0002.cfg",
+               std::string(link_head) + "SECTION LINK\n\tdevice wan0\n\tprotocol LAPB\n");
+    tree.write("config/config/other.cfg", std::string(link_head) + "SECTION LAPB\n\tn2_count 3\n");
+    auto result = run_tool({"check", "2", "other.cfg"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, tree.config_dir() + "/config/link_config_0002.cfg: ok\n" +
+                              tree.config_dir() + "/config/other.cfg: ok\n");
+}
+
+TEST_F(Tool, CheckPrintsEveryMessageWithTheFileName) {
+    tree.write("config/boardconf", "WAN_DEVICE\n\tdevice wan\n\tlines 2\n");
+    std::string path = tree.write("bad.cfg", std::string(link_head) +
+                                                 "SECTION LINK\n\tdevice modem0\n\tcolour red\n"
+                                                 "SECTION X25\n\tt20value 9999\nSECTION FOO\n");
+    auto result = run_tool({"check", path, "7"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, path + ": Unknown device name <modem0> found\n" + path +
+                              ": Unknown LINK Keyword <colour>, skipped\n" + path +
+                              ": Timer value out of range, 200.0 assumed\n" + path +
+                              ": Unknown section FOO, skipped\n" + tree.config_dir() +
+                              "/config/link_config_0007.cfg: Error opening file " +
+                              tree.config_dir() + "/config/link_config_0007.cfg\n");
+}
+
+TEST_F(Tool, CheckNeedsAnArgument) {
+    auto result = run_tool({"check"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "qx25 check: no link or file given\nusage: qx25 check LINK|FILE...\n");
+}
+
+TEST_F(Tool, CheckRefusesLinkNumbersBeyondFourDigits) {
+    auto result = run_tool({"check", "123456"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "qx25 check: '123456' names no link file\n");
+}
+
+TEST_F(Tool, DevicesPrintsTheTable) {
+    tree.write("config/boardconf", "WAN_DEVICE\n\tsymbolic WANS\n\tdevice wan\n\tlines 2\n"
+                                   "\tcomment two ports\n\tmru 4104\n"
+                                   "LAN_DEVICE\n\tsymbolic ETHR\n\tdevice eth\n\tlines 1\n");
+    auto result = run_tool({"devices"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "ROW  SYMBOLIC DEVICE   KIND LINES MODULE              MRU  COMMENT\n"
+                          "0    WANS     wan      WAN      2 wanmod             4104  two ports\n"
+                          "1    ETHR     eth      LAN      1 s_ethr                0  \n");
+}
+
+TEST_F(Tool, DevicesWithoutBoardconf) {
+    auto result = run_tool({"devices"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "qx25 devices: cannot read " + tree.config_dir() + "/boardconf\n");
+}
+
+TEST_F(Tool, DevicesOfABoardconfWithoutDevices) {
+    tree.write("config/boardconf", "# nothing fitted\n");
+    auto result = run_tool({"devices"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "no devices in " + tree.config_dir() + "/boardconf\n");
+}
+
+TEST_F(Tool, NetworksPrintsTheProfilesInFileOrder) {
+    tree.write("lib/world_networks.profile", "# networks\n2 X25_1988 Public network, 1988\n"
+                                             "0 ignored line\n1 X25_LLC LAN network\n");
+    auto result = run_tool({"networks"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "NUMBER  NAME              DESCRIPTION\n"
+                          "     2  X25_1988          Public network, 1988\n"
+                          "     1  X25_LLC           LAN network\n");
+}
+
+TEST_F(Tool, NetworksWithoutProfileFile) {
+    auto result = run_tool({"networks"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "Error opening file " + tree.lib_dir() + "/world_networks.profile\n");
+}
+
+TEST_F(Tool, DevicesAndNetworksTakeNoArguments) {
+    EXPECT_EQ(run_tool({"devices", "x"}).status, 2);
+    EXPECT_EQ(run_tool({"networks", "x"}).status, 2);
+}
+
+TEST_F(Tool, ExampleTreeIsClean) {
+    ::setenv("X25CONFIGFILES", QX25_SOURCE_DIR "/examples/etc", 1);
+    ::setenv("X25LIBFILES", QX25_SOURCE_DIR "/examples/lib", 1);
+    auto result = run_tool({"check", "1", "2", "3"});
+    EXPECT_EQ(result.status, 0) << result.out;
+    EXPECT_EQ(result.err, "");
 }
 
 } // namespace

@@ -26,5 +26,8 @@ int usage_error(const command &cmd, std::string_view message);
 
 int run_addr(const command &self, std::span<char *const> args);
 int run_ident(const command &self, std::span<char *const> args);
+int run_check(const command &self, std::span<char *const> args);
+int run_devices(const command &self, std::span<char *const> args);
+int run_networks(const command &self, std::span<char *const> args);
 
 } // namespace qx25tool

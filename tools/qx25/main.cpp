@@ -21,6 +21,22 @@ constexpr command command_table[] = {
      "Opens the link configuration FILE, checks its IDENTIFICATION block and\n"
      "prints its fields and the comments before it.\n",
      run_ident},
+    {"check", "LINK|FILE...", "read link configurations and show every problem",
+     "Reads each link configuration, given by link number (3 reads\n"
+     "config/link_config_0003.cfg) or by file name, and prints every message\n"
+     "the reader produced, prefixed by the file name, or \"ok\". A file name\n"
+     "that does not begin with /, ./ or ../ is looked up in $X25CONFIGFILES/config.\n"
+     "The exit status is 1 when any file had a message.\n",
+     run_check},
+    {"devices", "", "show the device type table read from boardconf",
+     "Reads $X25CONFIGFILES/boardconf and prints its device kinds: row, symbolic\n"
+     "name, device name prefix, WAN or LAN, lines per board, driver module,\n"
+     "maximum receive unit and comment.\n",
+     run_devices},
+    {"networks", "", "show the network profiles of world_networks.profile",
+     "Reads $X25LIBFILES/world_networks.profile and prints the number, name and\n"
+     "description of each network.\n",
+     run_networks},
 };
 
 void print_usage(std::ostream &out) {

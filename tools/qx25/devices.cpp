@@ -1,0 +1,53 @@
+// qx25 devices: the device type table read from boardconf.
+#include "command.h"
+
+#include "link_config.h"
+#include "paths.h"
+
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+#include <string>
+
+namespace qx25tool {
+
+namespace {
+
+std::string text(const char *field, std::size_t width) {
+    return std::string(field, ::strnlen(field, width));
+}
+
+const char *kind_name(int type) {
+    return type == DEVICE_WAN ? "WAN" : type == DEVICE_LAN ? "LAN" : "?";
+}
+
+} // namespace
+
+int run_devices(const command &self, std::span<char *const> args) {
+    if (!args.empty()) return usage_error(self, "no arguments are taken");
+    if (!fill_linktype_struct(__config_linktype)) {
+        complain(self.name, std::string("cannot read ") + qx25::config_dir() + "/boardconf");
+        return exit_failure;
+    }
+    if (__config_linktype[0].valid != 1) {
+        std::cout << "no devices in " << qx25::config_dir() << "/boardconf\n";
+        return exit_ok;
+    }
+    std::printf("%-4s %-8s %-8s %-4s %5s %-16s %6s  %s\n", "ROW", "SYMBOLIC", "DEVICE", "KIND",
+                "LINES", "MODULE", "MRU", "COMMENT");
+    for (int row = 0; row < DEVICE_TYPE_ROWS && __config_linktype[row].type != DEVICE_END; ++row) {
+        const device_type &d = __config_linktype[row];
+        std::printf("%-4d %-8s %-8s %-4s %5d %-16s %6d  %s\n", row,
+                    text(d.symbolic, sizeof d.symbolic).c_str(),
+                    text(d.device, sizeof d.device).c_str(), kind_name(d.type), d.lines,
+                    text(d.wanmod, sizeof d.wanmod).c_str(), d.mru,
+                    d.comment != nullptr ? d.comment : "");
+    }
+    for (device_type &row : __config_linktype) {
+        std::free(row.comment);
+        row.comment = nullptr;
+    }
+    return exit_ok;
+}
+
+} // namespace qx25tool
