@@ -516,6 +516,67 @@ QX25_API void load_wan_defaults(wan_values *values);
 QX25_API const char *__network_name(uint32_t number);
 
 /* ------------------------------------------------------------------------ */
+/* Links: discovery, writing, updating, releasing                           */
+/* ------------------------------------------------------------------------ */
+
+/* One link of a chain built by link discovery, in ascending link order. */
+typedef struct link_node {
+    struct link_node *prev;
+    struct link_node *next;
+    link_section link; /* the link number is link.values.subnet.address.snid */
+} link_node;
+
+/* Finds every link file of $X25CONFIGFILES/config, reads its LINK section
+ * and chains the links by number with their PVCs. 0, 22 for a null
+ * argument, 2 when boardconf cannot be read or no link could be read, 9
+ * when the directory cannot be opened. */
+QX25_API int x25_find_link_parameters(link_node **head);
+
+/* Frees the alias, the description and the PVC records of a link; neither
+ * the record itself nor its pointers. */
+QX25_API void free_link_item(link_values *link);
+
+/* Writing a link configuration file. The forms without a file name write
+ * config/link_config_NNNN.cfg of the link's number (0..254). 0, 22 for
+ * missing or inconsistent records, else the system error number (9 when
+ * none is set). X.32 records may be null; mlp_x32 is an array of five. */
+QX25_API int x25_write_config_parameters(config_identification *ids, link_section *link,
+                                         x25_section *x25, mlp_section *mlp, lapb_section *lapb,
+                                         llc2_section *llc2, wan_section *wan);
+QX25_API int x25_write_config_parameters_x32(config_identification *ids, link_section *link,
+                                             x25_section *x25, mlp_section *mlp, lapb_section *lapb,
+                                             llc2_section *llc2, wan_section *wan,
+                                             x32_record *x25_x32, x32_record *lapb_x32,
+                                             x32_record *mlp_x32);
+QX25_API int x25_write_config_parameter_file(const char *name, config_identification *ids,
+                                             link_section *link, x25_section *x25, mlp_section *mlp,
+                                             lapb_section *lapb, llc2_section *llc2,
+                                             wan_section *wan);
+QX25_API int x25_write_config_parameter_file_x32(const char *name, config_identification *ids,
+                                                 link_section *link, x25_section *x25,
+                                                 mlp_section *mlp, lapb_section *lapb,
+                                                 llc2_section *llc2, wan_section *wan,
+                                                 x32_record *x25_x32, x32_record *lapb_x32,
+                                                 x32_record *mlp_x32);
+
+/* Rewrites the LINK section of every link of a chain; always 0. */
+QX25_API int x25_save_link_parameters(link_node *head);
+
+/* Replaces one section (enum config_section_code) of a link's file,
+ * keeping everything else. The update works on the exported records ids,
+ * cs, xs, ms, lbs, l2s and ws. */
+QX25_API int x25_update_link(int32_t link_number, void *section, unsigned int section_code);
+QX25_API int x25_update_file(const char *name, void *section, unsigned int section_code);
+
+/* Release the comment texts a reader attached to a record. */
+QX25_API void free_link_comments(link_section *link);
+QX25_API void free_x25_comments(x25_section *x25);
+QX25_API void free_lapb_comments(lapb_section *lapb);
+QX25_API void free_llc2_comments(llc2_section *llc2);
+QX25_API void free_mlp_comments(mlp_section *mlp);
+QX25_API void free_wan_comments(wan_section *wan);
+
+/* ------------------------------------------------------------------------ */
 /* Device type table                                                        */
 /* ------------------------------------------------------------------------ */
 

@@ -138,4 +138,29 @@ TEST(Faults, DeviceCommentThatCannotBeCopiedStopsReading) {
     EXPECT_EQ(table[0].lines, 0); // not read: reading stopped
 }
 
+TEST(Faults, PvcRecordThatCannotBeAllocatedStopsTheMap) {
+    qx25test::ConfigTree tree;
+    qx25test::capture_all_messages();
+    tree.write("config/pvcmapconf", "1 1 128 128 2 2\n1 2 128 128 2 2\n");
+    auto *node = static_cast<link_node *>(std::calloc(1, sizeof(link_node)));
+    node->link.values.subnet.address.snid = 1;
+    failing_callocs = 1;
+    __fill_PVC_lists(node);
+    failing_callocs = 0;
+    EXPECT_EQ(qx25test::messages(), std::vector<std::string>{"Cannot allocate memory\n"});
+    EXPECT_EQ(node->link.values.pvcs, nullptr);
+    std::free(node);
+}
+
+TEST(Faults, LinkNodeThatCannotBeAllocatedIsSkipped) {
+    qx25test::ConfigTree tree;
+    qx25test::capture_all_messages();
+    link_node *node = reinterpret_cast<link_node *>(&tree); // must be cleared
+    failing_callocs = 1;
+    EXPECT_EQ(process_dp("link_config_0001.cfg", &node), 1);
+    failing_callocs = 0;
+    EXPECT_EQ(node, nullptr);
+    EXPECT_EQ(qx25test::messages(), std::vector<std::string>{"Cannot allocate memory\n"});
+}
+
 } // namespace

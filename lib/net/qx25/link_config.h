@@ -95,6 +95,34 @@ enum boardconf_line {
     BOARDCONF_WANMOD = 9
 };
 
+// ---- PVC map ------------------------------------------------------------------
+
+// Hangs the circuits of pvcmapconf on the links of a chain.
+void __fill_PVC_lists(link_node *head);
+int parse_pvc(pvc_entry *record, char *line);
+int pkt_to_index(int packet_size);
+
+// ---- Link discovery -----------------------------------------------------------
+
+// A directory entry as link discovery sees it: the entry's name.
+int valid_filename(const char *name);
+int process_dp(const char *name, link_node **node);
+int __device_used(const link_values *link, const link_node *head);
+int __delete_old_links(const link_node *head);
+
+// ---- Link configuration writer ---------------------------------------------
+
+// The common worker of the writer: with open_flag set `target` is a file
+// name, else an open stream (closed by the worker).
+int __x25_write_config_parameter_FILE(int open_flag, const void *target, config_identification *ids,
+                                      link_section *link, x25_section *x25, mlp_section *mlp,
+                                      lapb_section *lapb, llc2_section *llc2, wan_section *wan,
+                                      x32_record *x25_x32, x32_record *lapb_x32,
+                                      x32_record *mlp_x32);
+void bcd_to_str(char *text, const uint8_t *digits, int count);
+void print_comment(FILE *stream, const char *text);
+void trail_comment(FILE *stream, const char *text);
+
 // ---- Network type table ----------------------------------------------------
 
 struct net_type_row {

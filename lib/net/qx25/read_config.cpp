@@ -5,6 +5,7 @@
 #include "error_functions.h"
 #include "messages.h"
 #include "new_config.h"
+#include "numeric_locale.h"
 #include "paths.h"
 
 #include <cerrno>
@@ -1007,22 +1008,6 @@ int read_file(reader &r, config_identification *ids) {
     std::fclose(stream);
     return 0;
 }
-
-// Numbers in link files are written with a ".", whatever the locale.
-class numeric_locale_c {
-  public:
-    numeric_locale_c() {
-        const char *name = std::setlocale(LC_NUMERIC, "");
-        if (name != nullptr && std::strlen(name) < sizeof saved_) std::strcpy(saved_, name);
-        std::setlocale(LC_NUMERIC, "C");
-    }
-    ~numeric_locale_c() { std::setlocale(LC_NUMERIC, saved_); }
-    numeric_locale_c(const numeric_locale_c &) = delete;
-    numeric_locale_c &operator=(const numeric_locale_c &) = delete;
-
-  private:
-    char saved_[256] = "C";
-};
 
 int read_named_file(const char *name, int link_number, config_identification *ids,
                     link_section *link, x25_section *x25, mlp_section *mlp, lapb_section *lapb,
