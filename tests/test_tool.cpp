@@ -31,6 +31,10 @@ const char *const usage =
     "  check     read link configurations and show every problem\n"
     "  devices   show the device type table read from boardconf\n"
     "  networks  show the network profiles of world_networks.profile\n"
+    "  links     list the configured links\n"
+    "  pvcs      list the permanent virtual circuits of the links\n"
+    "  show      print a link configuration as the library writes it\n"
+    "  set       change one keyword of a link configuration\n"
     "\n"
     "Files are looked up under $X25CONFIGFILES (default /etc/opt/Tarvenco/x25)\n"
     "and $X25LIBFILES (default /opt/Tarvenco/x25/lib).\n";

@@ -1,8 +1,13 @@
 // The qx25 tool: one entry per command, dispatched from a table.
 #pragma once
 
+#include "qx25.h"
+
+#include <cstdio>
 #include <span>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace qx25tool {
 
@@ -29,5 +34,74 @@ int run_ident(const command &self, std::span<char *const> args);
 int run_check(const command &self, std::span<char *const> args);
 int run_devices(const command &self, std::span<char *const> args);
 int run_networks(const command &self, std::span<char *const> args);
+int run_links(const command &self, std::span<char *const> args);
+int run_show(const command &self, std::span<char *const> args);
+int run_set(const command &self, std::span<char *const> args);
+int run_pvcs(const command &self, std::span<char *const> args);
+
+// ---- Shared by the commands (main.cpp) ----------------------------------------
+
+// Makes every module of the library hand its messages to the tool, which
+// keeps them until take_messages() returns them (without their trailing
+// newlines) and forgets them.
+void collect_messages();
+std::vector<std::string> take_messages();
+
+// Prints each message as "qx25 NAME: message" on standard error; true when
+// there was any.
+bool complain_all(std::string_view command_name, const std::vector<std::string> &messages);
+
+// Prints a table: a line of column titles, then one line per row, columns
+// two blanks apart and as wide as their widest cell. The last column is not
+// padded.
+struct column {
+    std::string_view title;
+    bool right_aligned;
+};
+void print_table(std::span<const column> columns,
+                 const std::vector<std::vector<std::string>> &rows);
+
+// True when the text is a decimal number and nothing else.
+bool is_number(const char *text);
+
+// ---- Link files (show.cpp) ------------------------------------------------------
+
+// The link file an argument names: a link number (3 names
+// link_config_0003.cfg), or a file name, which the reader places as it places
+// every name. `path` is where the file is, to show. False when the argument
+// names no file.
+bool name_link_file(const char *argument, std::string &name, std::string &path);
+
+// One link file as the reader gives it, released when the object goes.
+struct link_records {
+    link_config config{};
+    x32_record x25_x32{};
+    x32_record lapb_x32{};
+    x32_record mlp_x32[MLP_MAX_SUBSECTIONS]{};
+    int mode = 0; // 3, 4 or 6 for the last SECTION LLC2, LAPB or MLP read
+
+    link_records() = default;
+    ~link_records();
+    link_records(const link_records &) = delete;
+    link_records &operator=(const link_records &) = delete;
+
+    // The reader's result for the named file (every section, X.32 too).
+    int read(const char *name);
+    // Whether the file gave any X.32 keyword a value.
+    bool has_x32() const;
+    // Writes the records in the file format to the stream, which is closed
+    // whatever happens: the sections the link's kind has (MLP; LAN: LLC2;
+    // WAN: LAPB and WAN), X.32 keywords only when the file had them. The
+    // writer's result.
+    int write(FILE *stream);
+};
+
+// ---- Link discovery (links.cpp) ---------------------------------------------------
+
+// The links of the configuration directory, in ascending order, with their
+// PVCs. The library's messages are shown as "qx25 NAME: message" on
+// standard error; null, with *failed set, when discovery failed.
+link_node *discover_links(const command &self, bool *failed);
+void release_links(link_node *head);
 
 } // namespace qx25tool

@@ -3,9 +3,12 @@
 
 #include "qx25.h"
 
+#include <algorithm>
+#include <cctype>
 #include <clocale>
 #include <cstring>
 #include <iostream>
+#include <utility>
 
 namespace qx25tool {
 
@@ -37,6 +40,36 @@ constexpr command command_table[] = {
      "Reads $X25LIBFILES/world_networks.profile and prints the number, name and\n"
      "description of each network.\n",
      run_networks},
+    {"links", "", "list the configured links",
+     "Finds every link file of $X25CONFIGFILES/config and prints one line per\n"
+     "link, in link order: number, alias, type, X.25 version, frame protocol,\n"
+     "DTE or DCE side, devices, full address, number of PVCs and description.\n"
+     "A file that cannot be read, or that names a device another link uses, is\n"
+     "reported and left out.\n",
+     run_links},
+    {"pvcs", "[LINK]", "list the permanent virtual circuits of the links",
+     "Prints the PVCs that $X25CONFIGFILES/pvcmapconf gives the configured links,\n"
+     "or those of link number LINK: link, logical channel number (hexadecimal),\n"
+     "the two packet sizes in bytes and the two window sizes.\n",
+     run_pvcs},
+    {"show", "LINK|FILE", "print a link configuration as the library writes it",
+     "Reads a link configuration, given by link number or by file name as for\n"
+     "check, and prints it in the file format as the library writes it: every\n"
+     "value, defaults included, with the comments of the file. What the reader\n"
+     "reported is shown on standard error.\n",
+     run_show},
+    {"set", "LINK SECTION KEYWORD VALUE", "change one keyword of a link configuration",
+     "Gives KEYWORD of SECTION (link, x25, llc2, lapb, wan or mlp) of link number\n"
+     "LINK the VALUE, read as the library reads it from a file, and rewrites the\n"
+     "link's file with every comment kept. The previous file is kept as FILE.BAK.\n"
+     "Nothing is written when the reader reports a problem with the value, when\n"
+     "the value does not change what the file holds, or when the file has\n"
+     "problems of its own (see check); the file is put back when the rewrite\n"
+     "does not keep the value. Whatever else the rewrite changes (the X.25\n"
+     "network follows the link's type and connect procedure) is shown on\n"
+     "standard error. The subsections of an MLP link and the X.32 keywords cannot\n"
+     "be set.\n",
+     run_set},
 };
 
 void print_usage(std::ostream &out) {
@@ -53,7 +86,77 @@ void print_command_help(const command &cmd) {
     std::cout << "usage: qx25 " << cmd.name << ' ' << cmd.synopsis << "\n\n" << cmd.help;
 }
 
+std::vector<std::string> collected_messages;
+
+int collect(const char *message) {
+    std::string text = message != nullptr ? message : "";
+    while (!text.empty() && text.back() == '\n')
+        text.pop_back();
+    collected_messages.push_back(std::move(text));
+    return 0;
+}
+
+std::string padded(const std::string &cell, std::size_t width, bool right_aligned) {
+    std::string fill(width - std::min(width, cell.size()), ' ');
+    return right_aligned ? fill + cell : cell + fill;
+}
+
 } // namespace
+
+void collect_messages() {
+    collected_messages.clear();
+    x25_set_config_error_function(collect);
+    x25_set_parse_error_function(collect);
+    set_link_error_function(collect);
+    set_x25_template_error_function(collect);
+    set_lapb_template_error_function(collect);
+    set_llc2_template_error_function(collect);
+    set_wan_template_error_function(collect);
+}
+
+std::vector<std::string> take_messages() {
+    return std::exchange(collected_messages, {});
+}
+
+bool complain_all(std::string_view command_name, const std::vector<std::string> &messages) {
+    for (const std::string &message : messages)
+        complain(command_name, message);
+    return !messages.empty();
+}
+
+void print_table(std::span<const column> columns,
+                 const std::vector<std::vector<std::string>> &rows) {
+    std::vector<std::size_t> widths;
+    for (const column &c : columns)
+        widths.push_back(c.title.size());
+    for (const auto &row : rows)
+        for (std::size_t i = 0; i < row.size() && i < widths.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].size());
+    auto print_line = [&](auto cell_of) {
+        std::string line;
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            if (i > 0) line += "  ";
+            bool last = i + 1 == columns.size();
+            std::string cell = cell_of(i);
+            line += last && !columns[i].right_aligned
+                        ? cell
+                        : padded(cell, widths[i], columns[i].right_aligned);
+        }
+        while (!line.empty() && line.back() == ' ')
+            line.pop_back();
+        std::cout << line << '\n';
+    };
+    print_line([&](std::size_t i) { return std::string(columns[i].title); });
+    for (const auto &row : rows)
+        print_line([&](std::size_t i) { return i < row.size() ? row[i] : std::string(); });
+}
+
+bool is_number(const char *text) {
+    if (*text == '\0') return false;
+    for (; *text != '\0'; ++text)
+        if (!std::isdigit(static_cast<unsigned char>(*text))) return false;
+    return true;
+}
 
 std::span<const command> commands() {
     return command_table;

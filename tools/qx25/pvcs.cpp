@@ -1,0 +1,74 @@
+// qx25 pvcs: the permanent virtual circuits pvcmapconf gives the links.
+#include "command.h"
+
+#include "paths.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace qx25tool {
+
+namespace {
+
+// Packet sizes are kept as indexes: 0 is 16 bytes, 8 is 4096.
+std::string packet_size(int index) {
+    return index >= 0 && index <= 8 ? std::to_string(16 << index) : "?";
+}
+
+std::string channel(unsigned lcn) {
+    char text[16];
+    std::snprintf(text, sizeof text, "%03X", lcn);
+    return text;
+}
+
+} // namespace
+
+int run_pvcs(const command &self, std::span<char *const> args) {
+    if (args.size() > 1) return usage_error(self, "at most one LINK is taken");
+    bool one_link = args.size() == 1;
+    unsigned long wanted = 0;
+    if (one_link) {
+        if (!is_number(args[0])) return usage_error(self, "LINK must be a link number");
+        wanted = std::strtoul(args[0], nullptr, 10);
+    }
+
+    bool failed = false;
+    link_node *head = discover_links(self, &failed);
+    if (failed) return exit_failure;
+
+    std::vector<std::vector<std::string>> rows;
+    bool found = false;
+    for (const link_node *node = head; node != nullptr; node = node->next) {
+        const link_values &link = node->link.values;
+        if (one_link && link.subnet.address.snid != wanted) continue;
+        found = true;
+        for (const pvc_entry *pvc = link.pvcs; pvc != nullptr; pvc = pvc->next)
+            rows.push_back({std::to_string(pvc->link), channel(pvc->lcn),
+                            packet_size(pvc->pktsize[0]), packet_size(pvc->pktsize[1]),
+                            std::to_string(pvc->window[0]), std::to_string(pvc->window[1])});
+    }
+    release_links(head);
+
+    if (one_link && !found) {
+        complain(self.name, "link " + std::string(args[0]) + " is not configured");
+        return exit_failure;
+    }
+    if (rows.empty()) {
+        if (one_link)
+            std::cout << "no PVCs on link " << wanted << '\n';
+        else
+            std::cout << "no PVCs in " << qx25::config_dir() << "/pvcmapconf\n";
+        return exit_ok;
+    }
+    constexpr column columns[] = {
+        {"LINK", true},     {"LCN", true},     {"PKTSIZE1", true},
+        {"PKTSIZE2", true}, {"WINDOW1", true}, {"WINDOW2", true},
+    };
+    print_table(columns, rows);
+    return exit_ok;
+}
+
+} // namespace qx25tool
