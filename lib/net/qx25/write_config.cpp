@@ -124,6 +124,22 @@ class section_writer {
     int current_ = 0;
 };
 
+// The X.32 lines of a section, from the keyword of the enable flag on: the
+// flag with any X.32 record, the signature and identity when they are set.
+void write_x32(section_writer &out, int flag_index, const x32_record *x32) {
+    if (x32 == nullptr) return;
+    char text[2 * sizeof x32->identity + 1];
+    out.flag(flag_index, "\t\t", x32->authen != 0 ? 'Y' : 'N');
+    if (x32->signature_len != 0) {
+        bcd_to_str(text, x32->signature, std::min<int>(2 * x32->signature_len, 64));
+        out.line(flag_index + 1, "\t%s", text);
+    }
+    if (x32->identity_len != 0) {
+        bcd_to_str(text, x32->identity, std::min<int>(2 * x32->identity_len, 64));
+        out.line(flag_index + 2, "\t%s", text);
+    }
+}
+
 bool write_ident(FILE *stream, const config_identification &ids) {
     errno = 0;
     print_comment(stream, ids.comments);
@@ -217,18 +233,7 @@ bool write_lapb(FILE *stream, const lapb_section *lapb, const link_section *link
     for (const flag_line &f : flags)
         out.flag(f.index, f.tabs, yes_no(v.flags, f.mask));
     if (subsection) out.line(11, "\t\t%d", link->values.mlp_priority[position]);
-    if (x32 != nullptr) {
-        char text[2 * sizeof x32->identity + 1];
-        out.flag(20, "\t\t", x32->authen != 0 ? 'Y' : 'N');
-        if (x32->signature_len != 0) {
-            bcd_to_str(text, x32->signature, std::min<int>(2 * x32->signature_len, 64));
-            out.line(21, "\t%s", text);
-        }
-        if (x32->identity_len != 0) {
-            bcd_to_str(text, x32->identity, std::min<int>(2 * x32->identity_len, 64));
-            out.line(22, "\t%s", text);
-        }
-    }
+    write_x32(out, 20, x32);
     out.close("\n");
     return !out.failed();
 }
@@ -398,18 +403,7 @@ bool write_x25(FILE *stream, const x25_section *x25, const x32_record *x32) {
     out.line(79, "\t\t%d", v.thclass_type);
     write_class_map(out, 80, v.thclass_wmap);
     write_class_map(out, 81, v.thclass_pmap);
-    if (x32 != nullptr) {
-        char text[2 * sizeof x32->identity + 1];
-        out.flag(82, "\t\t", x32->authen != 0 ? 'Y' : 'N');
-        if (x32->signature_len != 0) {
-            bcd_to_str(text, x32->signature, std::min<int>(2 * x32->signature_len, 64));
-            out.line(83, "\t%s", text);
-        }
-        if (x32->identity_len != 0) {
-            bcd_to_str(text, x32->identity, std::min<int>(2 * x32->identity_len, 64));
-            out.line(84, "\t%s", text);
-        }
-    }
+    write_x32(out, 82, x32);
     out.close("\n");
     return !out.failed();
 }
