@@ -169,6 +169,23 @@ uint32_t widened(int16_t number) {
     return static_cast<uint32_t>(static_cast<int32_t>(number));
 }
 
+// LAPB and LLC2 share their first eleven values; they differ in the T1
+// timer and the longest I-frame.
+template <typename LinkLevel>
+void load_link_level_defaults(LinkLevel &v, uint16_t t1_timer, uint16_t max_iframe_len) {
+    v.n2_count = 10;
+    v.t1_timer = t1_timer;
+    v.pf_timer = 7;
+    v.reject_timer = 25;
+    v.busy_timer = 100;
+    v.idle_timer = 250;
+    v.rr_ack_delay = 4;
+    v.unack_max = 3;
+    v.local_win = 7;
+    v.local_probe = 0;
+    v.max_iframe_len = max_iframe_len;
+}
+
 } // namespace
 
 extern "C" {
@@ -192,33 +209,13 @@ void load_x25_defaults(x25_template *values, uint32_t lan) {
 
 void load_lapb_defaults(lapb_template *values) {
     if (values == nullptr) return;
-    values->n2_count = 10;
-    values->t1_timer = 60;
-    values->pf_timer = 7;
-    values->reject_timer = 25;
-    values->busy_timer = 100;
-    values->idle_timer = 250;
-    values->rr_ack_delay = 4;
-    values->unack_max = 3;
-    values->local_win = 7;
-    values->local_probe = 0;
-    values->max_iframe_len = 517;
+    load_link_level_defaults(*values, 60, 517);
     values->flags = 0;
 }
 
 void load_llc2_defaults(llc2_template *values) {
     if (values == nullptr) return;
-    values->n2_count = 10;
-    values->t1_timer = 10;
-    values->pf_timer = 7;
-    values->reject_timer = 25;
-    values->busy_timer = 100;
-    values->idle_timer = 250;
-    values->rr_ack_delay = 4;
-    values->unack_max = 3;
-    values->local_win = 7;
-    values->local_probe = 0;
-    values->max_iframe_len = 263;
+    load_link_level_defaults(*values, 10, 263);
     values->xid_window = 7;
     values->xid_ndup = 2;
     values->xid_tdup = 5;
