@@ -48,8 +48,7 @@ std::string link_file_name(int number) {
 
 // Releases a node the way every holder of a chain does.
 void release_node(link_node *node) {
-    free_link_comments(&node->link);
-    free_link_item(&node->link.values);
+    __release_link_section(&node->link);
     std::free(node);
 }
 
@@ -301,6 +300,17 @@ TEST_F(Discovery, SecondLinkOnTheSameDeviceIsRefused) {
     int refused = kept[0] == 1 ? 2 : 1;
     EXPECT_EQ(messages(), messages_t{"Duplicate device in file " + link_file_name(refused) + "\n"});
     EXPECT_STREQ(chain->link.values.subnet.name, kept[0] == 1 ? "one" : "two");
+}
+
+TEST_F(Discovery, RefusedLanLinkIsReleasedWhole) {
+    // Every comment pair goes with the refused node, max_lan_conns's too
+    // (which free_link_comments leaves alone); the sanitizer build proves it.
+    link_file(1, "\tdevice eth0\n\ttype LAN\n! conns\n\tmax_lan_conns 8 ! eight\n");
+    link_file(2, "\tdevice eth0\n\ttype LAN\n! conns\n\tmax_lan_conns 9 ! nine\n");
+    EXPECT_EQ(find(), 0);
+    ASSERT_EQ(numbers().size(), 1u);
+    ASSERT_EQ(messages().size(), 1u);
+    EXPECT_STREQ(chain->link.keyword[9].comments, " conns\n");
 }
 
 TEST_F(Discovery, SharingOneOfSeveralDevicesIsAConflict) {

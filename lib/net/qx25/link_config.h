@@ -110,6 +110,12 @@ int process_dp(const char *name, link_node **node);
 int __device_used(const link_values *link, const link_node *head);
 int __delete_old_links(const link_node *head);
 
+// ---- Configuration update --------------------------------------------------
+
+// Releases everything a link record holds: every comment pair (also those
+// free_link_comments leaves alone) and the alias, description and PVCs.
+void __release_link_section(link_section *link);
+
 // ---- Link configuration writer ---------------------------------------------
 
 // The common worker of the writer: with open_flag set `target` is a file

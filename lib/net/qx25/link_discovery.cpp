@@ -115,8 +115,7 @@ void insert_in_order(link_node **head, link_node *node) {
 
 // Releases a node that never made it into a chain.
 void discard(link_node *node) {
-    free_link_comments(&node->link);
-    free_link_item(&node->link.values);
+    __release_link_section(&node->link);
     std::free(node);
 }
 

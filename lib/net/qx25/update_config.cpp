@@ -68,8 +68,8 @@ void clear_record(Section &section, void (*free_listed)(Section *), const config
 // Empties the static records: every comment text, the alias and description
 // copies and PVC list of the link, and the MLP subsection records.
 void clear_static_records() {
-    free_link_item(&cs.values);
-    clear_record(cs, free_link_comments, __LINK_functions, link_pairs_kept);
+    __release_link_section(&cs);
+    std::memset(static_cast<void *>(&cs), 0, sizeof cs);
     clear_record(xs, free_x25_comments, __X25_functions, x25_pairs_kept);
     clear_record(lbs, free_lapb_comments, __LAPB_functions, lapb_pairs_kept);
     clear_record(l2s, free_llc2_comments, __LLC2_functions, {});
@@ -299,6 +299,13 @@ bool is_section_code(unsigned int code) {
 } // namespace
 
 extern "C" {
+
+void __release_link_section(link_section *link) {
+    if (link == nullptr) return;
+    free_link_comments(link);
+    free_pairs(link, __LINK_functions, link_pairs_kept, pairs::kept);
+    free_link_item(&link->values);
+}
 
 void free_link_comments(link_section *link) {
     free_pairs(link, __LINK_functions, link_pairs_kept, pairs::listed);
