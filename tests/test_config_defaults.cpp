@@ -587,11 +587,11 @@ TEST_F(NetworkProfiles, NumbersAreSixteenBitsSignExtended) {
     EXPECT_EQ(network_number("WRAP"), -2);
 }
 
-TEST_F(NetworkProfiles, ReadErrorIsReportedWithTheLineCounter) {
+TEST_F(NetworkProfiles, DirectoryIsAnOpeningError) {
     std::filesystem::create_directories(profile_path());
     EXPECT_EQ(network_number("x"), 0);
     EXPECT_EQ(max_profiles, 0);
-    EXPECT_EQ(messages(), (std::vector<std::string>{"Error 21 reading profile file at line 0\n"}));
+    EXPECT_EQ(messages(), (std::vector<std::string>{opening_error(profile_path())}));
 }
 
 // ---- get_entry ----------------------------------------------------------------

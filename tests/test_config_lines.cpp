@@ -164,11 +164,10 @@ TEST_F(ConfigLines, SubsectionOrSecondIdentificationEndsTheBlockWrongly) {
                   "IDENTIFICATION section wrongly terminated in file f.cfg, line 3\n"}));
 }
 
-TEST_F(ConfigLines, ReadErrorWhileLookingForIdentification) {
+TEST_F(ConfigLines, DirectoryIsAnOpeningError) {
     ASSERT_EQ(::mkdir("dir.cfg", 0755), 0);
     EXPECT_EQ(x25_open_config_file("dir.cfg", &ids, 0), nullptr);
-    EXPECT_EQ(messages(),
-              std::vector<std::string>{"Error reading IDENTIFICATION section from file dir.cfg\n"});
+    EXPECT_EQ(messages(), std::vector<std::string>{"Error opening file dir.cfg\n"});
 }
 
 TEST_F(ConfigLines, KeywordsAndSectionNamesIgnoreCase) {

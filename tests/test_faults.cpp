@@ -95,6 +95,31 @@ TEST(Faults, ReadErrorInTheSectionsIsReportedAndReadingStops) {
     EXPECT_EQ(lapb.values.t1_timer, 60); // the default: never read
 }
 
+TEST(Faults, ReadErrorWhileLookingForIdentification) {
+    qx25test::ConfigTree tree;
+    qx25test::capture_all_messages();
+    std::string path = tree.write("config/config/l.cfg", "IDENTIFICATION\nSECTION LINK\n");
+    config_identification ids;
+    fgets_before_failure = 0;
+    EXPECT_EQ(x25_open_config_file(path.c_str(), &ids, 0), nullptr);
+    fgets_before_failure = -1;
+    EXPECT_EQ(
+        qx25test::messages(),
+        std::vector<std::string>{"Error reading IDENTIFICATION section from file " + path + "\n"});
+}
+
+TEST(Faults, ProfileReadErrorIsReportedWithTheLineCounter) {
+    qx25test::ConfigTree tree;
+    qx25test::capture_all_messages();
+    tree.write("lib/world_networks.profile", "7 PSS public\n");
+    fgets_before_failure = 0;
+    EXPECT_EQ(network_number("PSS"), 0);
+    fgets_before_failure = -1;
+    EXPECT_EQ(max_profiles, 0);
+    EXPECT_EQ(qx25test::messages(),
+              std::vector<std::string>{"Error 5 reading profile file at line 0\n"});
+}
+
 TEST(Faults, SubsectionRecordsThatCannotBeAllocatedDropTheirLine) {
     qx25test::ConfigTree tree;
     qx25test::capture_all_messages();

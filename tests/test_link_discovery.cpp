@@ -266,8 +266,7 @@ TEST_F(Discovery, OnlyUnreadableFilesGiveTwo) {
     EXPECT_EQ(chain, nullptr);
     EXPECT_EQ(sorted(messages()),
               sorted({"Error reading IDENTIFICATION section from file " + broken + ", line 1\n",
-                      "Error reading IDENTIFICATION section from file " + links_dir() +
-                          "/link_config_0002.cfg\n",
+                      "Error opening file " + links_dir() + "/link_config_0002.cfg\n",
                       "Error reading file link_config_0001.cfg\n",
                       "Error reading file link_config_0002.cfg\n"}));
 }

@@ -9,11 +9,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
 #include <cstring>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 using qx25test::ConfigTree;
@@ -532,6 +534,20 @@ TEST_F(Writer, NoDevicesGiveAnEmptyDeviceValue) {
                                               nullptr, &c.wan),
               0);
     EXPECT_NE(written(path("w.cfg")).find("\n\tdevice\t\t\t! port 1\n"), std::string::npos);
+}
+
+TEST_F(Writer, SpecialFileInPlaceOfTheLinkFileIsRefusedAtOnce) {
+    wan_link(c);
+    alarm(10); // opening the FIFO for writing would otherwise wait for a reader
+    ASSERT_EQ(mkfifo(path("fifo.cfg").c_str(), 0600), 0);
+    EXPECT_EQ(x25_write_config_parameter_file("fifo.cfg", &c.ids, &c.link, &c.x25, nullptr, &c.lapb,
+                                              nullptr, &c.wan),
+              ENXIO);
+    ASSERT_EQ(mkdir(path("dir.cfg").c_str(), 0700), 0);
+    EXPECT_EQ(x25_write_config_parameter_file("dir.cfg", &c.ids, &c.link, &c.x25, nullptr, &c.lapb,
+                                              nullptr, &c.wan),
+              EISDIR);
+    alarm(0);
 }
 
 TEST_F(Writer, VersionModeAndProtocolOfEveryCode) {

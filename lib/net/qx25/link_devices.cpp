@@ -5,6 +5,7 @@
 #include "error_functions.h"
 #include "messages.h"
 #include "paths.h"
+#include "text_file.h"
 
 #include <algorithm>
 #include <climits>
@@ -70,21 +71,6 @@ template <std::size_t N> void copy_field(char (&field)[N], std::string_view text
 
 std::string_view first_word(std::string_view text) {
     return text.substr(0, text.find_first_of(blanks));
-}
-
-// Reads one physical line, newline included, into the buffer. What does not
-// fit is dropped: the tail of a line is no line of its own, so a long remark
-// cannot turn into a keyword line. False at the end of the file.
-bool read_line(FILE *stream, char (&line)[line_size]) {
-    std::size_t used = 0;
-    int c = std::getc(stream);
-    if (c == EOF) return false;
-    for (; c != EOF; c = std::getc(stream)) {
-        if (used < line_size - 1) line[used++] = static_cast<char>(c);
-        if (c == '\n') break;
-    }
-    line[used] = '\0';
-    return true;
 }
 
 bool is_header(boardconf_line code) {
@@ -179,7 +165,9 @@ void process_info_file(FILE *stream, int *row, device_type *table) {
     char line[line_size];
     device_type *entry = *row >= 0 && *row < device_rows ? &table[*row] : nullptr;
 
-    while (read_line(stream, line)) {
+    // What does not fit a line is dropped: the tail of a line is no line of
+    // its own, so a long remark cannot turn into a keyword line.
+    while (read_bounded_line(stream, line, sizeof line) != line_read::end) {
         if (line[0] == '#' || line[0] == '\0') continue;
         char *text = line + std::strspn(line, " \t");
         char *value = nullptr;
@@ -208,7 +196,7 @@ int fill_linktype_struct(device_type *table) {
     char path[PATH_MAX];
     int length = std::snprintf(path, sizeof path, "%s/boardconf", config_dir());
     if (length < 0 || static_cast<std::size_t>(length) >= sizeof path) return 0;
-    FILE *stream = std::fopen(path, "r");
+    FILE *stream = open_regular_file(path);
     if (stream == nullptr) return 0;
 
     int row = -1;

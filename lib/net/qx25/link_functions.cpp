@@ -5,6 +5,7 @@
 #include "error_functions.h"
 #include "messages.h"
 #include "paths.h"
+#include "text_file.h"
 
 #include <algorithm>
 #include <climits>
@@ -13,7 +14,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
 using namespace qx25;
@@ -23,34 +23,6 @@ namespace {
 constexpr std::size_t line_size = 1024;
 constexpr std::string_view blanks = " \t";
 constexpr int pvc_fields = 6;
-
-struct file_closer {
-    void operator()(FILE *stream) const { std::fclose(stream); }
-};
-using file_ptr = std::unique_ptr<FILE, file_closer>;
-
-enum class line_read { ok, too_long, end };
-
-// Reads one line, newline included, into the buffer. A line of up to 1023
-// characters plus its newline is read whole (the newline is dropped when it
-// alone does not fit). A longer line is read to its end and reported as too
-// long: its tail never becomes a line of its own, so a circuit cannot be
-// smuggled in behind a long remark.
-line_read read_line(FILE *stream, char (&line)[line_size]) {
-    std::size_t used = 0;
-    int c = std::getc(stream);
-    if (c == EOF) return line_read::end;
-    bool fits = true;
-    for (; c != EOF; c = std::getc(stream)) {
-        if (used < line_size - 1)
-            line[used++] = static_cast<char>(c);
-        else if (c != '\n')
-            fits = false;
-        if (c == '\n') break;
-    }
-    line[used] = '\0';
-    return fits ? line_read::ok : line_read::too_long;
-}
 
 // A decimal field as atoi reads it, held within the range of an int.
 int decimal(const char *text) {
@@ -160,12 +132,15 @@ void __fill_PVC_lists(link_node *head) {
     char path[PATH_MAX];
     int length = std::snprintf(path, sizeof path, "%s/pvcmapconf", config_dir());
     if (length < 0 || static_cast<std::size_t>(length) >= sizeof path) return;
-    file_ptr stream(std::fopen(path, "r"));
+    file_ptr stream(open_regular_file(path));
     if (!stream) return;
 
     char line[line_size];
-    for (line_read status; (status = read_line(stream.get(), line)) != line_read::end;) {
-        // An overlong line is malformed: skipped like a wrong field count.
+    for (line_read status;
+         (status = read_bounded_line(stream.get(), line, sizeof line)) != line_read::end;) {
+        // An overlong line is malformed: skipped like a wrong field count. Its
+        // tail is never read as a line, so a circuit cannot be smuggled in
+        // behind a long remark.
         if (status == line_read::too_long) continue;
         if (line[0] == '#' || line[0] == '\n') continue;
 

@@ -5,6 +5,7 @@
 
 #include "error_functions.h"
 #include "messages.h"
+#include "text_file.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -200,7 +201,7 @@ FILE *x25_open_config_file(const char *name, config_identification *ids, int mod
     std::memset(ids, 0, sizeof *ids);
     config_line line{};
 
-    FILE *stream = std::fopen(name, "r");
+    FILE *stream = open_regular_file(name);
     if (stream == nullptr) {
         if (mode != X25_CONFIG_SILENT) report(__config_error_function, Msg::ErrorOpeningFile, name);
         return nullptr;

@@ -9,6 +9,7 @@
 #include "error_functions.h"
 #include "messages.h"
 #include "paths.h"
+#include "text_file.h"
 
 #include <cerrno>
 #include <climits>
@@ -281,7 +282,7 @@ int get_entry(FILE *stream, char *line, int16_t *counter) {
 // the next look-up tries again.
 void read_profile_file(void) {
     char path[PATH_MAX];
-    FILE *stream = profile_path(path) ? std::fopen(path, "r") : nullptr;
+    FILE *stream = profile_path(path) ? open_regular_file(path) : nullptr;
     if (stream == nullptr) {
         report(__parse_error_function, Msg::ErrorOpeningFile, static_cast<const char *>(path));
         return;

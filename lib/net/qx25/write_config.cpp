@@ -4,6 +4,7 @@
 
 #include "messages.h"
 #include "numeric_locale.h"
+#include "text_file.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -503,7 +504,7 @@ int __x25_write_config_parameter_FILE(int open_flag, const void *target, config_
         if (__qualify_working_filename(path, sizeof path, static_cast<const char *>(target)) != 0)
             return ENAMETOOLONG;
         errno = 0;
-        stream = std::fopen(path, "w");
+        stream = create_regular_file(path);
         if (stream == nullptr) return failure();
     }
 

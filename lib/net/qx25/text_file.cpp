@@ -1,0 +1,86 @@
+// Opening and reading the text files of the library.
+#include "text_file.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace qx25 {
+
+namespace {
+
+// Keeps the descriptor when it is a regular file and turns blocking back on;
+// otherwise closes it and sets errno to say what stood there.
+bool keep_if_regular(int fd) {
+    struct stat status {};
+    if (fstat(fd, &status) != 0) {
+        int saved = errno;
+        close(fd);
+        errno = saved;
+        return false;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        close(fd);
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+        return false;
+    }
+    int flags = fcntl(fd, F_GETFL);
+    if (flags == -1 || fcntl(fd, F_SETFL, flags & ~O_NONBLOCK) == -1) {
+        int saved = errno;
+        close(fd);
+        errno = saved;
+        return false;
+    }
+    return true;
+}
+
+FILE *stream_of(int fd, const char *mode) {
+    FILE *stream = fdopen(fd, mode);
+    if (stream == nullptr) {
+        int saved = errno;
+        close(fd);
+        errno = saved;
+    }
+    return stream;
+}
+
+} // namespace
+
+FILE *open_regular_file(const char *path) {
+    // Without O_NONBLOCK, opening a FIFO would wait for a writer.
+    int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
+    if (fd == -1 || !keep_if_regular(fd)) return nullptr;
+    return stream_of(fd, "r");
+}
+
+FILE *create_regular_file(const char *path) {
+    // Truncated only once it is known to be a regular file.
+    int fd = open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
+    if (fd == -1 || !keep_if_regular(fd)) return nullptr;
+    if (ftruncate(fd, 0) != 0) {
+        int saved = errno;
+        close(fd);
+        errno = saved;
+        return nullptr;
+    }
+    return stream_of(fd, "w");
+}
+
+line_read read_bounded_line(FILE *stream, char *line, std::size_t size) {
+    std::size_t used = 0;
+    int c = std::getc(stream);
+    if (c == EOF) return line_read::end;
+    bool fits = true;
+    for (; c != EOF; c = std::getc(stream)) {
+        if (used < size - 1)
+            line[used++] = static_cast<char>(c);
+        else if (c != '\n')
+            fits = false;
+        if (c == '\n') break;
+    }
+    line[used] = '\0';
+    return fits ? line_read::ok : line_read::too_long;
+}
+
+} // namespace qx25
