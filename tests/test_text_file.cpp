@@ -217,6 +217,17 @@ TEST_F(BoundedLines, LongLineKeepsItsHeadAndLosesItsTail) {
     EXPECT_EQ(next(line, sizeof line), qx25::line_read::end);
 }
 
+TEST_F(BoundedLines, NulBytesNeitherEndNorLengthenALine) {
+    open(std::string("123456\0tail\nab\0\nnext\n", 21));
+    char line[8];
+    EXPECT_EQ(next(line, sizeof line), qx25::line_read::too_long);
+    EXPECT_EQ(std::memcmp(line, "123456\0", 8), 0);
+    EXPECT_EQ(next(line, sizeof line), qx25::line_read::ok);
+    EXPECT_EQ(std::memcmp(line, "ab\0\n", 5), 0);
+    EXPECT_EQ(next(line, sizeof line), qx25::line_read::ok);
+    EXPECT_STREQ(line, "next\n");
+}
+
 TEST_F(BoundedLines, MillionCharacterLineWithoutNewline) {
     open(std::string(1000000, 'x'));
     char line[1024];

@@ -68,18 +68,17 @@ FILE *create_regular_file(const char *path) {
 }
 
 line_read read_bounded_line(FILE *stream, char *line, std::size_t size) {
-    std::size_t used = 0;
-    int c = std::getc(stream);
-    if (c == EOF) return line_read::end;
+    // fgets does the bulk of the work. A line may hold NUL bytes, so the
+    // last byte, which fgets sets only when it fills the buffer, tells
+    // whether the line may go on.
+    line[size - 1] = '\n';
+    if (std::fgets(line, static_cast<int>(size), stream) == nullptr) return line_read::end;
+    if (line[size - 1] != '\0' || line[size - 2] == '\n') return line_read::ok;
+    // The buffer is full: a newline right after it is dropped, anything
+    // else makes the line too long, and its rest is skipped.
     bool fits = true;
-    for (; c != EOF; c = std::getc(stream)) {
-        if (used < size - 1)
-            line[used++] = static_cast<char>(c);
-        else if (c != '\n')
-            fits = false;
-        if (c == '\n') break;
-    }
-    line[used] = '\0';
+    for (int c = getc_unlocked(stream); c != EOF && c != '\n'; c = getc_unlocked(stream))
+        fits = false;
     return fits ? line_read::ok : line_read::too_long;
 }
 
