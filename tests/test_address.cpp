@@ -1,7 +1,9 @@
 // X.25 address text form: stox25, x25tos, equalx25, x25add_equal and the
 // subnetwork number conversions they rest on. No address class applies here
-// (getnettype knows no class yet); the class rules are tested separately.
+// (no test writes a link file); the class rules are tested separately.
 #include "qx25.h"
+
+#include "config_tree.h"
 
 #include <gtest/gtest.h>
 
@@ -355,7 +357,8 @@ TEST(Identifiers, NumberToText) {
     EXPECT_EQ(x25tolinkid(1, nullptr), -1);
 }
 
-TEST(Identifiers, NoAddressClassIsKnownYet) {
+TEST(Identifiers, NoAddressClassWithoutALinkFile) {
+    qx25test::ConfigTree tree;
     EXPECT_EQ(getnettype("3.1234"), -1);
     x25_address address;
     // Reading carries on without a class; writing under a class that
