@@ -134,6 +134,10 @@ QX25_API int x25tosnid(uint32_t snid, char *text);
 QX25_API int x25tolinkid(uint32_t snid, char *text);
 QX25_API int getnettype(const char *text);
 
+/* PPA number of an LLC2 device and instance, from the files of
+ * /etc/llc2/default/; -1 when none matches. */
+QX25_API int x25_device_to_ppa(const char *device, int instance);
+
 /* ------------------------------------------------------------------------ */
 /* Driver tuning records                                                    */
 /* ------------------------------------------------------------------------ */
@@ -598,6 +602,128 @@ typedef struct device_type {
 
 /* The device types of the configuration reader, filled from boardconf. */
 QX25_API extern device_type __config_linktype[DEVICE_TYPE_ROWS];
+
+/* ------------------------------------------------------------------------ */
+/* Name databases                                                           */
+/* ------------------------------------------------------------------------ */
+
+/* Every get...ent and get...by... result lives in static storage that the
+ * next call into the same database overwrites. */
+
+/* A host of the xhosts file. */
+#define XHOST_MAX_ALIASES 34
+
+typedef struct xhost_entry {
+    char *xh_name;
+    char **xh_aliases;   /* null-terminated, at most XHOST_MAX_ALIASES */
+    int32_t xh_addrtype; /* always 1 */
+    int32_t xh_length;   /* always 36, the size of an x25_address */
+    x25_address *xh_addr;
+} xhost_entry;
+
+/* setxhostent and its companions: a non-zero flag keeps the file open for
+ * the life of the process (rewound, never closed again). */
+QX25_API void setxhostent(int stay_open);
+QX25_API xhost_entry *getxhostent(void);
+QX25_API void endxhostent(void);
+QX25_API xhost_entry *getxhostbyname(const char *name);
+/* Finds anything only with length 36 and type 1. */
+QX25_API xhost_entry *getxhostbyaddr(const x25_address *address, int length, int type);
+
+/* The configured links (name and description stay valid until the next call
+ * into this enumeration). */
+QX25_API void setsubnetent(void);
+QX25_API subnet_entry *getsubnetent(void);
+QX25_API void endsubnetent(void);
+QX25_API subnet_entry *getsubnetbyname(const char *name);
+QX25_API subnet_entry *getsubnetbyid(uint32_t snid);
+/* The same look-up as getsubnetbyid, under its address-family name. */
+QX25_API subnet_entry *getaddrbyid(uint32_t snid);
+
+/* The older subnetworks file, for the import of a legacy configuration. */
+QX25_API void __setsubnetent(int stay_open);
+QX25_API subnet_entry *__getsubnetent(void);
+QX25_API void __endsubnetent(void);
+QX25_API subnet_entry *__get_subnet(uint32_t snid);
+
+/* Versions of pad_entry.version. */
+enum pad_version {
+    PAD_VERSION_OTHER = 0,
+    PAD_VERSION_80 = 1,
+    PAD_VERSION_84 = 2,
+    PAD_VERSION_88 = 3
+};
+
+/* Closed user group kinds of pad_entry.cug_kind. */
+enum pad_cug_kind { PAD_CUG_NONE = 0, PAD_CUG_G = 1, PAD_CUG_B = 2 };
+
+#define PAD_FREE_TEXT_MAX 124
+
+/* One line of padmapconf: the default call facilities of a remote address.
+ * 452 bytes; the reserved bytes are kept zero. */
+typedef struct pad_entry {
+    x25_address address;
+    uint8_t version; /* enum pad_version */
+    uint8_t fast_select;
+    uint8_t reverse_charging;
+    uint8_t local_packet_size;  /* power of two, 4..12, 0 = not given */
+    uint8_t remote_packet_size; /* power of two, 4..12, 0 = not given */
+    uint8_t local_window_size;  /* 1..127, 0 = not given */
+    uint8_t remote_window_size; /* 1..127, 0 = not given */
+    uint8_t t_digit_count;      /* 0, 4, 8, 12 or 16 */
+    uint8_t t_digits[8];        /* packed BCD, high digit first */
+    uint8_t cug_kind;           /* enum pad_cug_kind */
+    uint8_t cug_number[2];      /* packed BCD, four digits, right-aligned */
+    char free_text[PAD_FREE_TEXT_MAX + 1];
+    uint8_t reserved[272];
+} pad_entry;
+
+QX25_API void setpadent(int stay_open);
+QX25_API pad_entry *getpadent(void);
+QX25_API void endpadent(void);
+QX25_API pad_entry *getpadbyaddr(const x25_address *address);
+/* The call string of a host name of xhosts or of an address: called
+ * address, " +" and the link's calling address, a blank and the
+ * facilities; null when the text is neither. */
+QX25_API char *getpadbystr(const char *text);
+
+/* The facilities of an entry as a PAD user types them (256 bytes are
+ * ample). 0, or -1 with a message on standard error. */
+QX25_API int padtos(const pad_entry *entry, char *text);
+
+/* X.3 PAD parameters 1 to 22 of an x29_profile. */
+#define X29_PARAMETERS 23
+
+/* Profile kinds of x29_profile.kind; V followed by n gives n + 3. */
+enum x29_profile_kind {
+    X29_PROFILE_S = 0,
+    X29_PROFILE_C = 1,
+    X29_PROFILE_P = 2,
+    X29_PROFILE_V = 3
+};
+
+/* The PAD profile of a remote address. find_x29profile fills it in place:
+ * what the line does not mention keeps the caller's values. */
+typedef struct x29_profile {
+    int32_t reserved[2];
+    x25_address address;                   /* the address to look for */
+    uint8_t kind;                          /* enum x29_profile_kind */
+    uint8_t parameters[X29_PARAMETERS];    /* [0] is the T flag */
+    uint8_t parameter_set[X29_PARAMETERS]; /* 1 when a value was given; [0] unused */
+} x29_profile;
+
+/* Streams of x29profile and paddconf in $X25CONFIGFILES, or null; the caller
+ * closes them. */
+QX25_API FILE *open_x29profile(void);
+QX25_API FILE *open_paddconf(void);
+/* Reads the next line that is neither a comment nor empty into a buffer of
+ * at least 1024 bytes: 1, or 0 at end of file. */
+QX25_API int read_x29profile(char *line, FILE *stream);
+/* 1 when x29profile has a line for profile->address and it was applied. */
+QX25_API int find_x29profile(x29_profile *profile);
+/* Applies the ":"-separated items of a line to the profile; returns the item
+ * at which parsing stopped, or null at the end of the text. */
+QX25_API char *parse_load_profile(char *text, x29_profile *profile);
 
 #ifdef __cplusplus
 }

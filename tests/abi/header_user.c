@@ -10,6 +10,7 @@ static int quiet(const char *message) {
 }
 
 int use_header(void);
+static int use_name_databases(void);
 
 int use_header(void) {
     x25_address address;
@@ -42,5 +43,55 @@ int use_header(void) {
     if (!equalx25(&address, &address) || !x25add_equal(address.dte, address.dte, 11)) return 1;
     x25tosnid(snidtox25("3.1"), text);
     x25tolinkid(linkidtox25("3.1"), text);
-    return getnettype("3") == -1 ? 0 : 1;
+    (void)getnettype("3");
+    return use_name_databases();
+}
+
+static int use_name_databases(void) {
+    xhost_entry *host;
+    subnet_entry *subnet;
+    pad_entry *pad;
+    x29_profile profile;
+    char text[256];
+    char line[1024];
+    FILE *stream;
+
+    memset(&profile, 0, sizeof profile);
+    setxhostent(1);
+    host = getxhostent();
+    endxhostent();
+    if (host != NULL && host->xh_length != (int32_t)sizeof(x25_address)) return 1;
+    host = getxhostbyname("paris");
+    if (host != NULL) host = getxhostbyaddr(host->xh_addr, host->xh_length, host->xh_addrtype);
+
+    setsubnetent();
+    subnet = getsubnetent();
+    endsubnetent();
+    subnet = getsubnetbyname("pdn");
+    subnet = getsubnetbyid(2);
+    subnet = getaddrbyid(2);
+    __setsubnetent(0);
+    subnet = __getsubnetent();
+    __endsubnetent();
+    subnet = __get_subnet(2);
+    (void)subnet;
+
+    setpadent(0);
+    pad = getpadent();
+    endpadent();
+    pad = getpadbyaddr(&profile.address);
+    if (pad != NULL && padtos(pad, text) != 0) return 1;
+    (void)getpadbystr("paris");
+    (void)x25_device_to_ppa("elx", 0);
+
+    (void)find_x29profile(&profile);
+    stream = open_x29profile();
+    if (stream != NULL) {
+        while (read_x29profile(line, stream) == 1)
+            (void)parse_load_profile(line, &profile);
+        fclose(stream);
+    }
+    stream = open_paddconf();
+    if (stream != NULL) fclose(stream);
+    return profile.kind == X29_PROFILE_S ? 0 : 1;
 }
