@@ -35,6 +35,13 @@ const char *const usage =
     "  pvcs      list the permanent virtual circuits of the links\n"
     "  show      print a link configuration as the library writes it\n"
     "  set       change one keyword of a link configuration\n"
+    "  host      show a host of xhosts\n"
+    "  hosts     list the hosts of xhosts\n"
+    "  subnets   list the subnetworks the configured links make\n"
+    "  call      show the PAD call string of a host or address\n"
+    "  pad       list the PAD map entries and their facilities\n"
+    "  profile   show the X.29 profile of an address\n"
+    "  ppa       show the PPA number of an LLC2 device\n"
     "\n"
     "Files are looked up under $X25CONFIGFILES (default /etc/opt/Tarvenco/x25)\n"
     "and $X25LIBFILES (default /opt/Tarvenco/x25/lib).\n";

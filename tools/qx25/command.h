@@ -38,6 +38,13 @@ int run_links(const command &self, std::span<char *const> args);
 int run_show(const command &self, std::span<char *const> args);
 int run_set(const command &self, std::span<char *const> args);
 int run_pvcs(const command &self, std::span<char *const> args);
+int run_host(const command &self, std::span<char *const> args);
+int run_hosts(const command &self, std::span<char *const> args);
+int run_subnets(const command &self, std::span<char *const> args);
+int run_call(const command &self, std::span<char *const> args);
+int run_pad(const command &self, std::span<char *const> args);
+int run_profile(const command &self, std::span<char *const> args);
+int run_ppa(const command &self, std::span<char *const> args);
 
 // ---- Shared by the commands (main.cpp) ----------------------------------------
 
@@ -103,5 +110,14 @@ struct link_records {
 // standard error; null, with *failed set, when discovery failed.
 link_node *discover_links(const command &self, bool *failed);
 void release_links(link_node *head);
+
+// ---- Name databases (names.cpp) ---------------------------------------------------
+
+// The text form of an address (no class check), "?" when it has none.
+std::string address_text(const x25_address &address);
+// The aliases of a host, one blank apart.
+std::string aliases_text(const xhost_entry &host);
+// The path of a file of the configuration directory, to show.
+std::string database_file(const char *name);
 
 } // namespace qx25tool

@@ -70,6 +70,40 @@ constexpr command command_table[] = {
      "standard error. The subsections of an MLP link and the X.32 keywords cannot\n"
      "be set.\n",
      run_set},
+    // ---- Name databases and link identifiers ----
+    {"host", "NAME|ADDRESS", "show a host of xhosts",
+     "Looks NAME up among the host names and aliases of $X25CONFIGFILES/xhosts,\n"
+     "or, when no host has that name, ADDRESS among their X.25 addresses, and\n"
+     "prints the host's address, name and aliases.\n",
+     run_host},
+    {"hosts", "", "list the hosts of xhosts",
+     "Prints every host of $X25CONFIGFILES/xhosts in file order: address, name\n"
+     "and aliases. Lines the library does not take as hosts are left out.\n",
+     run_hosts},
+    {"subnets", "", "list the subnetworks the configured links make",
+     "Prints the subnetworks of the subnetworks database, one per configured link\n"
+     "in link order: number, alias name, full address and description.\n",
+     run_subnets},
+    {"call", "NAME|ADDRESS", "show the PAD call string of a host or address",
+     "Prints the call string a PAD user's NAME (a host of xhosts) or ADDRESS\n"
+     "turns into: the called address, \" +\" and the calling address of its link,\n"
+     "then the facilities of its padmapconf entry. An ADDRESS is checked\n"
+     "against the address class of the link its subnetwork names.\n",
+     run_call},
+    {"pad", "[ADDRESS]", "list the PAD map entries and their facilities",
+     "Prints the entries of $X25CONFIGFILES/padmapconf, or the entry the library\n"
+     "finds for ADDRESS: the address and its facilities as a PAD user types\n"
+     "them after it.\n",
+     run_pad},
+    {"profile", "ADDRESS", "show the X.29 profile of an address",
+     "Prints the X.29 profile $X25CONFIGFILES/x29profile gives ADDRESS: its kind\n"
+     "(S, C, P, or V and a number), the T flag and the X.3 parameters the line\n"
+     "sets, by number.\n",
+     run_profile},
+    {"ppa", "DEVICE INSTANCE", "show the PPA number of an LLC2 device",
+     "Prints the physical point of attachment of the LLC2 DEVICE and INSTANCE,\n"
+     "from the files of /etc/llc2/default/.\n",
+     run_ppa},
 };
 
 void print_usage(std::ostream &out) {

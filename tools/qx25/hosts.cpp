@@ -1,0 +1,24 @@
+// qx25 hosts: every host of xhosts, in file order.
+#include "command.h"
+
+#include <iostream>
+
+namespace qx25tool {
+
+int run_hosts(const command &self, std::span<char *const> args) {
+    if (!args.empty()) return usage_error(self, "no arguments are taken");
+    std::vector<std::vector<std::string>> rows;
+    setxhostent(0);
+    while (const xhost_entry *host = getxhostent())
+        rows.push_back({address_text(*host->xh_addr), host->xh_name, aliases_text(*host)});
+    endxhostent();
+    if (rows.empty()) {
+        std::cout << "no hosts in " << database_file("xhosts") << '\n';
+        return exit_ok;
+    }
+    constexpr column columns[] = {{"ADDRESS", false}, {"NAME", false}, {"ALIASES", false}};
+    print_table(columns, rows);
+    return exit_ok;
+}
+
+} // namespace qx25tool

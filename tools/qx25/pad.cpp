@@ -1,0 +1,48 @@
+// qx25 pad: the entries of the PAD map, with their facilities as a PAD user
+// types them.
+#include "command.h"
+
+#include <iostream>
+
+namespace qx25tool {
+
+namespace {
+
+std::vector<std::string> row_of(const pad_entry &entry) {
+    char facilities[256];
+    bool written = padtos(&entry, facilities) == 0; // a refusal is explained on stderr
+    return {address_text(entry.address), written ? facilities : "?"};
+}
+
+} // namespace
+
+int run_pad(const command &self, std::span<char *const> args) {
+    if (args.size() > 1) return usage_error(self, "at most one ADDRESS is taken");
+    std::vector<std::vector<std::string>> rows;
+    if (args.size() == 1) {
+        x25_address address;
+        if (stox25(args[0], &address, 0) != 0)
+            return usage_error(self, "invalid X.25 address '" + std::string(args[0]) + "'");
+        const pad_entry *entry = getpadbyaddr(&address);
+        if (entry == nullptr) {
+            complain(self.name,
+                     "no entry for " + std::string(args[0]) + " in " + database_file("padmapconf"));
+            return exit_failure;
+        }
+        rows.push_back(row_of(*entry));
+    } else {
+        setpadent(0);
+        while (const pad_entry *entry = getpadent())
+            rows.push_back(row_of(*entry));
+        endpadent();
+        if (rows.empty()) {
+            std::cout << "no entries in " << database_file("padmapconf") << '\n';
+            return exit_ok;
+        }
+    }
+    constexpr column columns[] = {{"ADDRESS", false}, {"FACILITIES", false}};
+    print_table(columns, rows);
+    return exit_ok;
+}
+
+} // namespace qx25tool
