@@ -72,7 +72,8 @@ line_read read_bounded_line(FILE *stream, char *line, std::size_t size) {
     // last byte, which fgets sets only when it fills the buffer, tells
     // whether the line may go on.
     line[size - 1] = '\n';
-    if (std::fgets(line, static_cast<int>(size), stream) == nullptr) return line_read::end;
+    // The library is for one thread at a time: no stream locking per line.
+    if (::fgets_unlocked(line, static_cast<int>(size), stream) == nullptr) return line_read::end;
     if (line[size - 1] != '\0' || line[size - 2] == '\n') return line_read::ok;
     // The buffer is full: a newline right after it is dropped, anything
     // else makes the line too long, and its rest is skipped.
