@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <random>
 #include <string>
 #include <unistd.h>
 
@@ -114,6 +115,20 @@ TEST_F(DeviceToPpa, WithoutTheDirectoryNothingMatches) {
     fs::remove_all("llc2");
     EXPECT_EQ(x25_device_to_ppa("elx", 0), -1);
     EXPECT_EQ(x25_device_to_ppa(nullptr, 0), -1);
+}
+
+TEST_F(DeviceToPpa, RandomBytesAndVeryLongLines) {
+    std::mt19937 random(5);
+    for (int n = 0; n < 8; ++n) {
+        std::string text(5000, '\0');
+        for (char &c : text)
+            c = random() % 3 == 0 ? '\n' : static_cast<char>(random() % 256);
+        file("llc2." + std::to_string(n), text);
+    }
+    file("llc2.100", std::string(100000, 'd') + "\n" + std::string(100000, '#'));
+    EXPECT_EQ(x25_device_to_ppa("elx", 0), -1);
+    file("llc2.200", "devicename=elx\ndeviceinstance=0\n");
+    EXPECT_EQ(x25_device_to_ppa("elx", 0), 200);
 }
 
 TEST_F(DeviceToPpa, AnEmptyDeviceNameMatchesAnyName) {

@@ -42,8 +42,9 @@ bool names_device(FILE *stream, const char *device, int instance) {
     bool instance_matches = false;
     std::size_t device_length = std::strlen(device);
     char line[ppa_line_size];
-    read_bounded_line(stream, line, sizeof line);
-    while (!std::feof(stream) && !(name_matches && instance_matches)) {
+    // A read error ends the file as its end does.
+    line_read read = read_bounded_line(stream, line, sizeof line);
+    while (read != line_read::end && !std::feof(stream)) {
         line[std::strcspn(line, "\n")] = '\0';
         line[std::strcspn(line, "#")] = '\0';
         std::string_view text(line + std::strspn(line, " "));
@@ -56,7 +57,7 @@ bool names_device(FILE *stream, const char *device, int instance) {
             if (*value != '\0' && decimal(value) == instance) instance_matches = true;
         }
         if (name_matches && instance_matches) break;
-        read_bounded_line(stream, line, sizeof line);
+        read = read_bounded_line(stream, line, sizeof line);
     }
     return name_matches && instance_matches;
 }
