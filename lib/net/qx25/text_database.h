@@ -75,13 +75,13 @@ class text_database {
     // (false).
     bool next(parser parse);
 
+    // The line last read; the entries of the database point into it.
+    char line[database_line_size] = {};
+
   private:
     const char *file_name_;
     FILE *stream_ = nullptr;
     bool stay_open_ = false;
-
-  public:
-    char line[database_line_size] = {};
 };
 
 } // namespace qx25
