@@ -38,6 +38,7 @@ int run_links(const command &self, std::span<char *const> args);
 int run_show(const command &self, std::span<char *const> args);
 int run_set(const command &self, std::span<char *const> args);
 int run_pvcs(const command &self, std::span<char *const> args);
+int run_template(const command &self, std::span<char *const> args);
 
 // ---- Shared by the commands (main.cpp) ----------------------------------------
 
