@@ -164,33 +164,13 @@ using bound = int (*)(const x25_template &);
 template <int N> int fixed(const x25_template &) {
     return N;
 }
-int loc_max_packet(const x25_template &t) {
-    return t.locmaxpktsize;
-}
-int rem_max_packet(const x25_template &t) {
-    return t.remmaxpktsize;
+// A value read from an earlier line.
+template <std::uint8_t x25_template::*Field> int earlier(const x25_template &t) {
+    return t.*Field;
 }
 // Windows of modulo 8 reach 7, those of modulo 128 reach 127.
 int window_limit(const x25_template &t) {
     return t.modulo == X25_MODULO_8 ? 7 : 127;
-}
-int loc_max_window(const x25_template &t) {
-    return t.locmaxwinsize;
-}
-int rem_max_window(const x25_template &t) {
-    return t.remmaxwinsize;
-}
-int loc_max_class(const x25_template &t) {
-    return t.locmaxthclass;
-}
-int rem_max_class(const x25_template &t) {
-    return t.remmaxthclass;
-}
-int loc_min_class(const x25_template &t) {
-    return t.locminthclass;
-}
-int rem_min_class(const x25_template &t) {
-    return t.remminthclass;
 }
 int window_map_limit(const x25_template &t) {
     return std::min(t.locmaxwinsize, t.remmaxwinsize);
@@ -262,12 +242,16 @@ constexpr template_line x25_lines[template_lines] = {
     {"modulo", rule::modulo, X25_FIELD(modulo)},
     number("locmaxpktsize", X25_FIELD(locmaxpktsize), fixed<7>, fixed<12>),
     number("remmaxpktsize", X25_FIELD(remmaxpktsize), fixed<7>, fixed<12>),
-    number("locdefpktsize", X25_FIELD(locdefpktsize), fixed<7>, loc_max_packet),
-    number("remdefpktsize", X25_FIELD(remdefpktsize), fixed<7>, rem_max_packet),
+    number("locdefpktsize", X25_FIELD(locdefpktsize), fixed<7>,
+           earlier<&x25_template::locmaxpktsize>),
+    number("remdefpktsize", X25_FIELD(remdefpktsize), fixed<7>,
+           earlier<&x25_template::remmaxpktsize>),
     number("locmaxwinsize", X25_FIELD(locmaxwinsize), fixed<2>, window_limit),
     number("remmaxwinsize", X25_FIELD(remmaxwinsize), fixed<2>, window_limit),
-    number("locdefwinsize", X25_FIELD(locdefwinsize), fixed<2>, loc_max_window),
-    number("remdefwinsize", X25_FIELD(remdefwinsize), fixed<2>, rem_max_window),
+    number("locdefwinsize", X25_FIELD(locdefwinsize), fixed<2>,
+           earlier<&x25_template::locmaxwinsize>),
+    number("remdefwinsize", X25_FIELD(remdefwinsize), fixed<2>,
+           earlier<&x25_template::remmaxwinsize>),
     number("maxnsdulength", X25_FIELD(max_nsdu), fixed<1>, fixed<32000>),
     number("ackdelay", X25_FIELD(ackdelay), fixed<1>, fixed<32000>),
     timer("t20value", X25_FIELD(t20value)),
@@ -286,10 +270,14 @@ constexpr template_line x25_lines[template_lines] = {
     number("accessdelay", X25_FIELD(accessdelay), fixed<0>, fixed<3200>),
     number("locmaxthclass", X25_FIELD(locmaxthclass), fixed<0>, fixed<15>),
     number("remmaxthclass", X25_FIELD(remmaxthclass), fixed<0>, fixed<15>),
-    {"locdefthclass", rule::default_class, X25_FIELD(locdefthclass), fixed<0>, loc_max_class},
-    {"remdefthclass", rule::default_class, X25_FIELD(remdefthclass), fixed<0>, rem_max_class},
-    number("locminthclass", X25_FIELD(locminthclass), fixed<0>, loc_max_class),
-    number("remminthclass", X25_FIELD(remminthclass), fixed<0>, rem_max_class),
+    {"locdefthclass", rule::default_class, X25_FIELD(locdefthclass), fixed<0>,
+     earlier<&x25_template::locmaxthclass>},
+    {"remdefthclass", rule::default_class, X25_FIELD(remdefthclass), fixed<0>,
+     earlier<&x25_template::remmaxthclass>},
+    number("locminthclass", X25_FIELD(locminthclass), fixed<0>,
+           earlier<&x25_template::locmaxthclass>),
+    number("remminthclass", X25_FIELD(remminthclass), fixed<0>,
+           earlier<&x25_template::remmaxthclass>),
     flag("sub_cug", cug, X25_CUG_SUB),
     flag("sub_pref_cug", cug, X25_CUG_SUB_PREF),
     flag("sub_cugoa", cug, X25_CUG_SUB_OA),
@@ -464,8 +452,8 @@ struct class_recheck {
     bound low, high;
 };
 constexpr class_recheck default_class_rechecks[] = {
-    {38, loc_min_class, loc_max_class},
-    {39, rem_min_class, rem_max_class},
+    {38, earlier<&x25_template::locminthclass>, earlier<&x25_template::locmaxthclass>},
+    {39, earlier<&x25_template::remminthclass>, earlier<&x25_template::remmaxthclass>},
 };
 
 bool settle_default_classes(x25_template &record, const pending_class (&pending)[template_lines]) {
