@@ -287,6 +287,51 @@ typedef struct wan_template {
 } wan_template;
 
 /* ------------------------------------------------------------------------ */
+/* Driver tuning templates                                                  */
+/* ------------------------------------------------------------------------ */
+
+/* A link's working template files are $X25CONFIGFILES/template/LINKnnn_working
+ * with the suffix .x25, .lapb, .llc2 or .wan. Every operation returns 0 or a
+ * system error number: 22 for a link outside 0..254 or a null record, 9 when
+ * a file cannot be opened and no error number is set. Reading an X.25
+ * template returns 1 for a value out of range. The by-link readers store the
+ * link number into the record only when reading fails (not for WAN). */
+QX25_API int read_x25_template_parameters(int link_number, x25_template *record);
+QX25_API int read_x25_template_parameter_file(const char *path, x25_template *record);
+QX25_API int write__x25_template_parameters(x25_template *record);
+QX25_API int write__x25_template_parameter_file(const char *path, x25_template *record);
+/* Exchange with /dev/x25: put sends the record (its byte 130 set to 255),
+ * get stores the link number into it and fetches the driver's record. */
+QX25_API int put__x25_template_parameters(x25_template *record);
+QX25_API int get__x25_template_parameters(int link_number, x25_template *record);
+
+QX25_API int read_lapb_template_parameters(int link_number, lapb_template *record);
+QX25_API int read_lapb_template_parameter_file(const char *path, lapb_template *record);
+QX25_API int write_lapb_template_parameters(lapb_template *record);
+QX25_API int write_lapb_template_parameter_file(const char *path, lapb_template *record);
+/* Exchange with /dev/lapb; both set the kind byte to 19 and clear the
+ * reserved bytes first. */
+QX25_API int put_lapb_template_parameters(lapb_template *record);
+QX25_API int get_lapb_template_parameters(int link_number, lapb_template *record);
+
+QX25_API int read_llc2_template_parameters(int link_number, llc2_template *record);
+QX25_API int read_llc2_template_parameter_file(const char *path, llc2_template *record);
+QX25_API int write_llc2_template_parameters(llc2_template *record);
+QX25_API int write_llc2_template_parameter_file(const char *path, llc2_template *record);
+/* Exchange with /dev/llc2; both set the kind byte to 35 and clear the
+ * reserved bytes first. */
+QX25_API int put_llc2_template_parameters(llc2_template *record);
+QX25_API int get_llc2_template_parameters(int link_number, llc2_template *record);
+
+QX25_API int read_wan_template_parameters(int link_number, wan_template *record);
+QX25_API int read_wan_template_parameter_file(const char *path, wan_template *record);
+QX25_API int write_wan_template_parameters(wan_template *record);
+QX25_API int write_wan_template_parameter_file(const char *path, wan_template *record);
+/* The WAN layer has no driver exchange: both do nothing and return 0. */
+QX25_API int put_wan_template_parameters(wan_template *record);
+QX25_API int get_wan_template_parameters(int link_number, wan_template *record);
+
+/* ------------------------------------------------------------------------ */
 /* Link configuration records                                               */
 /* ------------------------------------------------------------------------ */
 

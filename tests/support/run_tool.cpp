@@ -10,6 +10,10 @@
 namespace qx25test {
 
 tool_result run_tool(const std::vector<std::string> &args) {
+    return run_program(QX25_TOOL, args);
+}
+
+tool_result run_program(const std::string &program, const std::vector<std::string> &args) {
     char out_path[] = "/tmp/qx25-out-XXXXXX";
     char err_path[] = "/tmp/qx25-err-XXXXXX";
     int out_fd = ::mkstemp(out_path);
@@ -22,7 +26,7 @@ tool_result run_tool(const std::vector<std::string> &args) {
         int null_fd = ::open("/dev/null", O_RDONLY);
         ::dup2(null_fd, STDIN_FILENO);
         std::vector<char *> argv;
-        std::string tool = QX25_TOOL;
+        std::string tool = program;
         argv.push_back(tool.data());
         std::vector<std::string> copies = args;
         for (std::string &arg : copies)

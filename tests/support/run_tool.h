@@ -15,4 +15,7 @@ struct tool_result {
 // Runs the tool with the given arguments in the current environment.
 tool_result run_tool(const std::vector<std::string> &args);
 
+// Runs any program the same way.
+tool_result run_program(const std::string &program, const std::vector<std::string> &args);
+
 } // namespace qx25test

@@ -45,6 +45,7 @@ int run_call(const command &self, std::span<char *const> args);
 int run_pad(const command &self, std::span<char *const> args);
 int run_profile(const command &self, std::span<char *const> args);
 int run_ppa(const command &self, std::span<char *const> args);
+int run_template(const command &self, std::span<char *const> args);
 
 // ---- Shared by the commands (main.cpp) ----------------------------------------
 

@@ -104,6 +104,18 @@ constexpr command command_table[] = {
      "Prints the physical point of attachment of the LLC2 DEVICE and INSTANCE,\n"
      "from the files of /etc/llc2/default/.\n",
      run_ppa},
+    {"template", "save|show|put|get LINK LAYER", "save, show, send and fetch tuning templates",
+     "Works on the tuning record of one LAYER (x25, lapb, llc2 or wan) of link\n"
+     "number LINK: the values of that section of the link's configuration file.\n\n"
+     "  save   writes it to the link's working template file,\n"
+     "         $X25CONFIGFILES/template/LINKnnn_working.LAYER, and reads it back\n"
+     "  show   shows the working template file: line, keyword and value\n"
+     "  put    sends it to the layer's driver (/dev/x25, /dev/lapb, /dev/llc2)\n"
+     "  get    fetches the driver's record and shows it as show does\n\n"
+     "A LAN link has the layers x25 and llc2, a WAN link x25, lapb and wan, an\n"
+     "MLP link x25. Nothing is saved or sent from a configuration file with\n"
+     "problems (see check). The WAN layer has no driver: put and get do nothing.\n",
+     run_template},
 };
 
 void print_usage(std::ostream &out) {
