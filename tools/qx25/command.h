@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <vector>
 
 namespace qx25tool {
@@ -37,6 +38,7 @@ int run_networks(const command &self, std::span<char *const> args);
 int run_links(const command &self, std::span<char *const> args);
 int run_show(const command &self, std::span<char *const> args);
 int run_set(const command &self, std::span<char *const> args);
+int run_diff(const command &self, std::span<char *const> args);
 int run_pvcs(const command &self, std::span<char *const> args);
 
 // ---- Shared by the commands (main.cpp) ----------------------------------------
@@ -71,6 +73,12 @@ bool is_number(const char *text);
 // every name. `path` is where the file is, to show. False when the argument
 // names no file.
 bool name_link_file(const char *argument, std::string &name, std::string &path);
+
+// The whole text of the regular file at `path` and its status; false, with
+// `failure` saying why ("PATH: No such file or directory"), when it cannot
+// be read.
+bool read_link_text(const std::string &path, std::string &text, struct stat &status,
+                    std::string &failure);
 
 // One link file as the reader gives it, released when the object goes.
 struct link_records {

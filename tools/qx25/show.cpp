@@ -5,6 +5,7 @@
 
 #include "link_config.h"
 #include "numeric_locale.h"
+#include "text_file.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -38,6 +39,25 @@ bool name_link_file(const char *argument, std::string &name, std::string &path) 
         return false;
     path = buffer;
     return !path.empty();
+}
+
+bool read_link_text(const std::string &path, std::string &text, struct stat &status,
+                    std::string &failure) {
+    qx25::file_ptr stream(qx25::open_regular_file(path.c_str()));
+    if (stream == nullptr || ::fstat(::fileno(stream.get()), &status) != 0) {
+        failure = path + ": " + std::strerror(errno);
+        return false;
+    }
+    text.clear();
+    char buffer[8192];
+    std::size_t count;
+    while ((count = std::fread(buffer, 1, sizeof buffer, stream.get())) > 0)
+        text.append(buffer, count);
+    if (std::ferror(stream.get())) {
+        failure = path + ": " + std::strerror(errno != 0 ? errno : EIO);
+        return false;
+    }
+    return true;
 }
 
 link_records::~link_records() {
