@@ -35,6 +35,7 @@ const char *const usage =
     "  pvcs      list the permanent virtual circuits of the links\n"
     "  show      print a link configuration as the library writes it\n"
     "  set       change one keyword of a link configuration\n"
+    "  diff      show what a rewrite by the library would change\n"
     "\n"
     "Files are looked up under $X25CONFIGFILES (default /etc/opt/Tarvenco/x25)\n"
     "and $X25LIBFILES (default /opt/Tarvenco/x25/lib).\n";

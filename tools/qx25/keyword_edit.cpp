@@ -340,7 +340,10 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
     collect_messages();
     location where = locate(path, lines, target, keyword);
     take_messages();
-    if (!where.anchor) return refused("its file has no " + target.title + " section");
+    if (!where.anchor)
+        return refused(target.subsection == 0
+                           ? "its file has no SECTION " + target.title
+                           : "its SECTION MLP has no " + target.title);
     if (where.line && !lines.read_whole(*where.line))
         return refused("line " + std::to_string(*where.line + 1) + " of its file is longer than " +
                        std::to_string(reader_piece) + " characters");

@@ -55,7 +55,7 @@ constexpr command command_table[] = {
      "value, defaults included, with the comments of the file. What the reader\n"
      "reported is shown on standard error.\n",
      run_show},
-    {"set", "[--dry-run] LINK SECTION KEYWORD VALUE", "change one keyword of a link file",
+    {"set", "[--dry-run] LINK SECTION KEYWORD VALUE", "change one keyword of a link configuration",
      "Gives KEYWORD of SECTION of link number LINK the VALUE by changing the value\n"
      "on the keyword's line of the link's file, or by adding a line for it at the\n"
      "end of the section; every other byte of the file stays as it is. SECTION is\n"
@@ -69,7 +69,7 @@ constexpr command command_table[] = {
      "file is put back.\n\n"
      "  --dry-run   print the change as a unified diff and write nothing\n",
      run_set},
-    {"diff", "LINK|FILE", "show how a rewrite by the library would change a link file",
+    {"diff", "LINK|FILE", "show what a rewrite by the library would change",
      "Reads a link configuration, given as for show, and prints as a unified diff\n"
      "how the file that the library would write for it (see show) differs from\n"
      "the file as it is: the values it adds, the comments and lines it changes or\n"

@@ -58,7 +58,9 @@ int parse(const command &self, std::span<char *const> args, set_request &request
 // Compares the file read back with what was planned; what differs, or empty.
 std::string read_back(const std::string &name, const keyword_edit &edit) {
     reading back = read_link_file(name);
-    if (back.result != 0) return std::string("it cannot be read: ") + std::strerror(back.result);
+    if (back.result != 0)
+        return "it cannot be read: " +
+               (back.messages.empty() ? std::strerror(back.result) : back.messages.front());
     if (std::optional<std::string> difference = first_difference(edit.expected, back.parts))
         return "its " + *difference + " is not as planned";
     if (back.messages != edit.expected_messages) return "the library reports other problems";
