@@ -884,6 +884,78 @@ TEST_F(ToolLinks, SetNeedsALinkNumberAndFourArguments) {
     EXPECT_EQ(high.err, "qx25 set: LINK must be a link number from 0 to 254\n" + usage);
 }
 
+// ---- diff -------------------------------------------------------------------------
+
+// The FILE_DATE line that the library writes, with the time of writing, as
+// "+\tFILE_DATE\tNOW".
+std::string with_date_now(std::string diff) {
+    std::size_t at = diff.find("\n+\tFILE_DATE\t");
+    if (at != std::string::npos)
+        diff.replace(at + 1, diff.find('\n', at + 1) - at - 1, "+\tFILE_DATE\tNOW");
+    return diff;
+}
+
+TEST_F(ToolLinks, DiffShowsWhatARewriteByTheLibraryWouldChange) {
+    write_links();
+    // The leased line as the library wrote it, then edited by hand: a blank
+    // before the version, and a line the library never writes.
+    std::string file = replaced(wan_link_written, "\tFILE_TYPE\tx25link\n",
+                                "\tFILE_TYPE\tx25link\n\tMODIFIED_BY\ttester\n"
+                                "\tFILE_DATE\tMon Nov  2 16:40:03 2026\n");
+    file = replaced(file, "\tPRODUCT_VERSION\t4.1", "\tPRODUCT_VERSION\t 4.1");
+    file = replaced(file, "\tconnect_proc\t\tNONE\n", "\tconnect_proc\t\tNONE\n\ttranslate\t\tY\n");
+    tree.write("config/config/link_config_0002.cfg", file);
+    auto result = run_tool({"diff", "2"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(with_date_now(result.out), "--- " + wan_path + "\n+++ " + wan_path +
+                                             " (rewritten by the library)\n"
+                                             "@@ -2,10 +2,10 @@\n"
+                                             " \n"
+                                             " IDENTIFICATION\n"
+                                             " \tPRODUCT_NAME\tQuenlark X.25\n"
+                                             "-\tPRODUCT_VERSION\t 4.1 patch 07\n"
+                                             "+\tPRODUCT_VERSION\t4.1 patch 07\n"
+                                             " \tFILE_TYPE\tx25link\n"
+                                             " \tMODIFIED_BY\ttester\n"
+                                             "-\tFILE_DATE\tMon Nov  2 16:40:03 2026\n"
+                                             "+\tFILE_DATE\tNOW\n"
+                                             " \n"
+                                             " \n"
+                                             " ! The hardware and the addresses.\n"
+                                             "@@ -48,7 +48,6 @@\n"
+                                             " \tline_speed\t\t64000\t! 64k leased line\n"
+                                             " \tmax_frame\t\t520\n"
+                                             " \tconnect_proc\t\tNONE\n"
+                                             "-\ttranslate\t\tY\n"
+                                             " \n"
+                                             " SECTION\tX25\n"
+                                             " \tnetwork\t\t\tX25_1984\n");
+    EXPECT_EQ(read_file(wan_path), file);
+}
+
+TEST_F(ToolLinks, DiffOfAHandWrittenFile) {
+    write_links();
+    auto result = run_tool({"diff", "link_config_0002.cfg"});
+    EXPECT_EQ(result.status, 0);
+    std::string diff = with_date_now(result.out);
+    // The empty lines the writer puts after a comment and the identification
+    // block, the lines it changes, and every default it writes out.
+    EXPECT_TRUE(diff.starts_with("--- " + wan_path + "\n+++ " + wan_path +
+                                 " (rewritten by the library)\n"
+                                 "@@ -1,14 +1,17 @@\n"
+                                 " ! Link 2: leased line to the public network.\n"
+                                 "+\n"
+                                 " IDENTIFICATION\n"))
+        << diff;
+    EXPECT_NE(diff.find("-\tMODIFIED_BY\tnetadm\n-\tFILE_DATE\tMon Nov  2 16:40:03 2026\n"
+                        "+\tMODIFIED_BY\ttester\n+\tFILE_DATE\tNOW\n"),
+              std::string::npos)
+        << diff;
+    EXPECT_NE(diff.find("\n+\tpf_timer  \t\t0.7\n"), std::string::npos) << diff;
+    EXPECT_EQ(read_file(wan_path), wan_link);
+}
+
 // ---- the example tree -------------------------------------------------------------
 
 TEST_F(ToolLinks, ExampleTreeListsItsLinksAndCircuits) {
