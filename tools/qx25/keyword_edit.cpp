@@ -222,30 +222,31 @@ std::vector<std::string> device_probes(const link_records &records) {
 
 // Whether the reader takes a value that changes nothing in the file's
 // records: there is a record in which it does change the keyword's field.
-bool taken_though_unchanged(const std::string &path, const record_parts &file_parts,
+bool taken_though_unchanged(link_records &records, const record_parts &file_parts,
                             const edit_target &target, const char *keyword, std::string_view value,
                             scratch_file &scratch) {
     std::vector<std::string> candidates(std::begin(probes), std::end(probes));
-    {
-        link_records records;
-        collect_messages();
-        records.read(path.c_str());
-        take_messages();
-        for (std::string &device : device_probes(records))
-            candidates.push_back(std::move(device));
-    }
+    for (std::string &device : device_probes(records))
+        candidates.push_back(std::move(device));
+    // A probe that changes nothing leaves the records as the file has them,
+    // ready for the next one.
     for (const std::string &probe : candidates) {
-        link_records records;
-        collect_messages();
-        records.read(path.c_str());
-        take_messages();
-        if (!apply_value(records, target, keyword, probe, scratch).empty()) continue;
+        // What the reader reports about the probe does not matter: it only
+        // has to change the field.
+        apply_value(records, target, keyword, probe, scratch);
         record_parts probed = parts_of(records);
         if (!first_difference(file_parts, probed)) continue;
         apply_value(records, target, keyword, value, scratch);
         return first_difference(probed, parts_of(records)).has_value();
     }
     return false;
+}
+
+// The text without line `index`.
+std::string without_line_text(const link_text &text, std::size_t index) {
+    std::string_view line = text.line(index);
+    auto offset = static_cast<std::size_t>(line.data() - text.text().data());
+    return std::string(text.text()).erase(offset, line.size());
 }
 
 keyword_edit refused(std::string reason) {
@@ -341,9 +342,8 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
     location where = locate(path, lines, target, keyword);
     take_messages();
     if (!where.anchor)
-        return refused(target.subsection == 0
-                           ? "its file has no SECTION " + target.title
-                           : "its SECTION MLP has no " + target.title);
+        return refused(target.subsection == 0 ? "its file has no SECTION " + target.title
+                                              : "its SECTION MLP has no " + target.title);
     if (where.line && !lines.read_whole(*where.line))
         return refused("line " + std::to_string(*where.line + 1) + " of its file is longer than " +
                        std::to_string(reader_piece) + " characters");
@@ -357,7 +357,7 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
     keyword_edit edit;
     if (where.line) edit.old_value = where.value;
     if (!first_difference(before, changed)) {
-        if (!taken_though_unchanged(path, before, target, keyword, value, applied))
+        if (!taken_though_unchanged(records, before, target, keyword, value, applied))
             return refused("the reader passes over '" + std::string(value) + "' for " + keyword +
                            " (out of range, not valid, or of no effect on this link)");
         edit.outcome = edit_outcome::unchanged;
@@ -391,11 +391,31 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
     if (now.result != 0) return refused(now.messages);
     if (std::vector<std::string> added = new_messages(file_messages, now.messages); !added.empty())
         return refused(added);
-    if (!first_difference(before, now.parts))
-        return refused("the changed file would not hold the new value: a later line of " +
-                       target.title + " or another section sets it again");
-    if (std::optional<std::string> stray = stray_difference(before, changed, now.parts))
-        return refused("the changed file would also change " + *stray);
+    if (!first_difference(before, now.parts)) {
+        // The file reads the same with the new value: a later line sets
+        // again what the value set.
+        edit.outcome = edit_outcome::unchanged;
+        return edit;
+    }
+    // Where the new text reads otherwise than the old one, it must read as
+    // the value makes the records: the old ones with the value read into
+    // them, or (where the old line set what the value does not set again)
+    // those of the file without the keyword's line.
+    std::vector<record_parts> made_by_value{changed};
+    if (where.line) {
+        link_records without_line;
+        if (!original.hold(without_line_text(lines, *where.line)))
+            return refused(std::string("cannot write a scratch file: ") + std::strerror(errno));
+        collect_messages();
+        without_line.read(path.c_str());
+        take_messages();
+        apply_value(without_line, target, keyword, value, applied);
+        made_by_value.push_back(parts_of(without_line));
+    }
+    if (std::optional<std::string> stray = stray_difference(before, made_by_value, now.parts))
+        return refused("the new value would change more of what the library reads from the "
+                       "file (" +
+                       *stray + ")");
     edit.outcome = edit_outcome::changed;
     edit.expected = std::move(now.parts);
     edit.expected_messages = std::move(now.messages);

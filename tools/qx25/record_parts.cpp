@@ -1,5 +1,7 @@
 #include "record_parts.h"
 
+#include <algorithm>
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 
@@ -82,6 +84,7 @@ bool same(const record_part &a, const record_part &b) {
 record_parts parts_of(const link_records &records) {
     const link_config &c = records.config;
     record_parts parts;
+    parts.reserve(1024);
     parts.push_back(values_part("identification", bytes_of(&c.ids, sizeof c.ids)));
 
     add_comments(parts, "LINK", c.link, __LINK_functions);
@@ -119,22 +122,25 @@ std::optional<std::string> first_difference(const record_parts &a, const record_
     return std::nullopt;
 }
 
-std::optional<std::string> stray_difference(const record_parts &before, const record_parts &changed,
+std::optional<std::string> stray_difference(const record_parts &before,
+                                            std::span<const record_parts> changed,
                                             const record_parts &now) {
     for (std::size_t i = 0; i < before.size(); ++i) {
         const record_part &b = before[i];
-        const record_part &c = changed[i];
         const record_part &n = now[i];
         if (same(b, n)) continue;
+        auto explained = [&](auto holds) {
+            return std::any_of(changed.begin(), changed.end(), holds);
+        };
         if (!b.bytewise) {
-            if (same(c, n)) continue;
+            if (explained([&](const record_parts &c) { return same(c[i], n); })) continue;
             return describe(n, {});
         }
         for (std::size_t byte = 0; byte < b.bytes.size(); ++byte) {
-            char was = b.bytes[byte];
-            char is = n.bytes[byte];
-            if (is != was && !(c.bytes[byte] != was && is == c.bytes[byte]))
-                return describe(n, byte);
+            if (n.bytes[byte] == b.bytes[byte]) continue;
+            if (explained([&](const record_parts &c) { return c[i].bytes[byte] == n.bytes[byte]; }))
+                continue;
+            return describe(n, byte);
         }
     }
     return std::nullopt;

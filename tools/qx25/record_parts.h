@@ -6,6 +6,8 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,9 +35,10 @@ record_parts parts_of(const link_records &records);
 // nullopt when they are the same.
 std::optional<std::string> first_difference(const record_parts &a, const record_parts &b);
 
-// Where `now` differs from `before` other than by holding what `changed`
-// holds where `changed` differs from `before`; nullopt when nowhere.
-std::optional<std::string> stray_difference(const record_parts &before, const record_parts &changed,
+// Where `now` differs from `before` other than by holding what one of the
+// `changed` readings holds there; nullopt when nowhere.
+std::optional<std::string> stray_difference(const record_parts &before,
+                                            std::span<const record_parts> changed,
                                             const record_parts &now);
 
 } // namespace qx25tool

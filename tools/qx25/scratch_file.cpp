@@ -17,19 +17,17 @@ scratch_file::~scratch_file() {
 }
 
 bool scratch_file::hold(std::string_view content) {
-    int fd;
-    if (path_.empty()) {
-        std::error_code ignored;
-        fs::path directory = fs::temp_directory_path(ignored);
-        if (directory.empty()) directory = "/tmp";
-        std::string pattern = fs::absolute(directory, ignored).string() + "/qx25-XXXXXX";
-        fd = ::mkostemp(pattern.data(), O_CLOEXEC);
-        if (fd < 0) return false;
-        path_ = pattern;
-    } else {
-        fd = ::open(path_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
-        if (fd < 0) return false;
-    }
+    // A new file each time: some file systems flush a file that was
+    // truncated and written again when it is closed, which is slow.
+    if (!path_.empty()) ::unlink(path_.c_str());
+    path_.clear();
+    std::error_code ignored;
+    fs::path directory = fs::temp_directory_path(ignored);
+    if (directory.empty()) directory = "/tmp";
+    std::string pattern = fs::absolute(directory, ignored).string() + "/qx25-XXXXXX";
+    int fd = ::mkostemp(pattern.data(), O_CLOEXEC);
+    if (fd < 0) return false;
+    path_ = pattern;
     std::size_t done = 0;
     while (done < content.size()) {
         ssize_t written = ::write(fd, content.data() + done, content.size() - done);

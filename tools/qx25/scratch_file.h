@@ -14,7 +14,8 @@ class scratch_file {
     scratch_file(const scratch_file &) = delete;
     scratch_file &operator=(const scratch_file &) = delete;
 
-    // Makes the file hold `content`; false (errno set) when it cannot.
+    // Makes the file hold `content`, under a new name; false (errno set)
+    // when it cannot.
     bool hold(std::string_view content);
     // Empty until the file has been made.
     const std::string &path() const { return path_; }
