@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 using qx25test::ConfigTree;
@@ -229,6 +231,20 @@ TEST_F(ToolSet, LinesTooLongForTheReader) {
     std::string line = "\tdescription\t" + description + "\n";
     EXPECT_EQ(read_file(path),
               replaced(text, line, line + "\talias\t" + std::string(119, 'a') + "\n"));
+}
+
+TEST_F(ToolSet, TheNewFileAndTheBackupHaveTheOwnerOfTheFile) {
+    write_link(leased_line);
+    // Only root can give a file to another user.
+    if (::geteuid() != 0) GTEST_SKIP() << "needs root";
+    ASSERT_EQ(::chown(path.c_str(), 1, 1), 0);
+    ASSERT_EQ(run_tool({"set", "2", "lapb", "n2_count", "12"}).status, 0);
+    for (const std::string &file : {path, path + ".BAK"}) {
+        struct stat status {};
+        ASSERT_EQ(::stat(file.c_str(), &status), 0) << file;
+        EXPECT_EQ(status.st_uid, 1u) << file;
+        EXPECT_EQ(status.st_gid, 1u) << file;
+    }
 }
 
 // ---- diff -------------------------------------------------------------------------

@@ -3,6 +3,7 @@
 #include "command.h"
 #include "unified_diff.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

@@ -103,7 +103,6 @@ class reader_position {
 
 // Where the target's lines stand in a file.
 struct location {
-    bool opened = false;
     std::optional<std::size_t> line;   // the keyword's (last) line
     std::optional<std::size_t> anchor; // the target's last line of any kind
     bool anchor_is_keyword_line = false;
@@ -116,7 +115,6 @@ location locate(const std::string &path, const link_text &text, const edit_targe
     config_identification ids{};
     FILE *stream = x25_open_config_file(path.c_str(), &ids, 0);
     if (stream == nullptr) return found;
-    found.opened = true;
     reader_position position;
     config_line line{};
     for (;;) {
@@ -249,6 +247,26 @@ std::string without_line_text(const link_text &text, std::size_t index) {
     return std::string(text.text()).erase(offset, line.size());
 }
 
+// Puts the value into the text of `edit`: on the keyword's line, or on a
+// line of its own after the target's last line. The index of that line.
+std::size_t place_value(const link_text &lines, const location &where, const char *keyword,
+                        std::string_view value, keyword_edit &edit) {
+    std::size_t index;
+    if (where.line) {
+        index = *where.line;
+        edit.new_text = with_value(lines, index, value);
+    } else {
+        std::string_view anchor = lines.line(*where.anchor);
+        std::string added = keyword_line(where.anchor_is_keyword_line ? indentation(anchor) : "\t",
+                                         keyword, value, lines.line_end_after(*where.anchor));
+        index = *where.anchor + 1;
+        edit.new_text = with_line_after(lines, *where.anchor, added);
+        edit.added = true;
+    }
+    edit.line = index + 1;
+    return index;
+}
+
 keyword_edit refused(std::string reason) {
     keyword_edit edit;
     edit.reason = std::move(reason);
@@ -365,19 +383,7 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
     }
 
     // The new text: the value on the keyword's line, or a line of its own.
-    std::size_t index;
-    if (where.line) {
-        index = *where.line;
-        edit.new_text = with_value(lines, index, value);
-    } else {
-        std::string_view anchor = lines.line(*where.anchor);
-        std::string added = keyword_line(where.anchor_is_keyword_line ? indentation(anchor) : "\t",
-                                         keyword, value, lines.line_end_after(*where.anchor));
-        index = *where.anchor + 1;
-        edit.new_text = with_line_after(lines, *where.anchor, added);
-        edit.added = true;
-    }
-    edit.line = index + 1;
+    std::size_t index = place_value(lines, where, keyword, value, edit);
     link_text edited{edit.new_text};
     if (index >= edited.line_count() || !edited.read_whole(index))
         return refused("the line would be longer than the " + std::to_string(reader_piece) +
@@ -395,6 +401,7 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
         // The file reads the same with the new value: a later line sets
         // again what the value set.
         edit.outcome = edit_outcome::unchanged;
+        edit.new_text.clear();
         return edit;
     }
     // Where the new text reads otherwise than the old one, it must read as

@@ -38,6 +38,9 @@ const char *keyword_named(const edit_target &target, std::string_view name);
 // Why a value cannot stand on a keyword line as it is, or nullopt.
 std::optional<std::string> value_problem(std::string_view value);
 
+// changed: the file is to take the new text. unchanged: the file reads the
+// same with the value (it holds it already, or a later line sets again what
+// the value sets). refused: the value or the file cannot take the edit.
 enum class edit_outcome { changed, unchanged, refused };
 
 struct keyword_edit {
