@@ -209,14 +209,30 @@ constexpr keyword_values mlp_values[] = {
 #undef SAME
 #undef NOT_WRITTEN
 
+// A number from the environment, or `otherwise`.
+std::size_t from_environment(const char *name, std::size_t otherwise) {
+    const char *text = std::getenv(name);
+    long value = text != nullptr ? std::strtol(text, nullptr, 10) : 0;
+    return value > 0 ? static_cast<std::size_t>(value) : otherwise;
+}
+
 // Each generated configuration sets every keyword_stride()-th keyword of
 // its list, starting from its index: over the configurations of a kind every
-// keyword of every section is set many times. QX25_KEYWORD_STRIDE=1 sets
-// every keyword in every configuration (minutes).
+// keyword of every section is set many times. The sanitizer build, many
+// times slower, goes over every configuration_step()-th configuration only.
+// QX25_KEYWORD_STRIDE=1 and QX25_CONFIGURATION_STEP=1 set every keyword in
+// every configuration (minutes).
 std::size_t keyword_stride() {
-    const char *stride = std::getenv("QX25_KEYWORD_STRIDE");
-    long value = stride != nullptr ? std::strtol(stride, nullptr, 10) : 0;
-    return value > 0 ? static_cast<std::size_t>(value) : 25;
+    return from_environment("QX25_KEYWORD_STRIDE", 25);
+}
+
+std::size_t configuration_step() {
+#ifdef QX25_SANITIZED_BUILD
+    constexpr std::size_t step = 5;
+#else
+    constexpr std::size_t step = 1;
+#endif
+    return from_environment("QX25_CONFIGURATION_STEP", step);
 }
 
 // One keyword of one section to set, with what it does there.
@@ -540,17 +556,20 @@ TEST_F(SetEveryKeyword, ExampleLinks) {
     }
 }
 
-// Configurations `first` to `first + count - 1` of the generator: in
-// configuration i the keywords whose case index is i modulo `stride`, so
-// that every keyword of every section is set in configurations of every
-// kind, many times over.
+// Configurations `first` to `first + count - 1` of the generator: in the
+// n-th configuration gone over the keywords whose case index is n modulo
+// `stride`, so that every keyword of every section is set in configurations
+// of every kind, many times over.
 void SetEveryKeyword::run(link_kind kind, std::uint32_t first, int count, std::size_t stride) {
     int failures = 0;
-    for (std::uint32_t index = first; index < first + static_cast<std::uint32_t>(count); ++index) {
+    auto step = static_cast<std::uint32_t>(configuration_step());
+    std::size_t gone_over = 0;
+    for (std::uint32_t index = first; index < first + static_cast<std::uint32_t>(count);
+         index += step, ++gone_over) {
         qx25test::generated_file file =
             qx25test::generate_link_file(kind, qx25test::first_seed + index);
         std::vector<std::string> found =
-            set_keywords(file.text, {kind, file.devices, "X25_84"}, index, stride);
+            set_keywords(file.text, {kind, file.devices, "X25_84"}, gone_over, stride);
         if (found.empty() || ++failures > 3) continue;
         std::string report;
         for (std::size_t i = 0; i < found.size() && i < 20; ++i)
