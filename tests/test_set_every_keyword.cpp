@@ -426,13 +426,8 @@ read_link read_text(const std::string &text) {
     read.result = records.read(file.path().c_str());
     read.messages = qx25tool::take_messages();
     read.parts = qx25tool::parts_of(records);
-    char *buffer = nullptr;
-    std::size_t size = 0;
-    if (FILE *stream = ::open_memstream(&buffer, &size); stream != nullptr) {
-        records.write(stream);
-        read.written = written_lines(std::string(buffer, size));
-        std::free(buffer);
-    }
+    std::string written;
+    if (records.write_text(written) == 0) read.written = written_lines(written);
     qx25tool::take_messages();
     return read;
 }

@@ -256,7 +256,7 @@ TEST_F(ToolSet, DiffNeedsOneLinkOrFile) {
     auto missing = run_tool({"diff", "7"});
     EXPECT_EQ(missing.status, 1);
     EXPECT_EQ(missing.err,
-              "qx25 diff: " + directory + "/link_config_0007.cfg: No such file or directory\n");
+              "qx25 diff: Error opening file " + directory + "/link_config_0007.cfg\n");
     auto far = run_tool({"diff", "123456"});
     EXPECT_EQ(far.status, 1);
     EXPECT_EQ(far.err, "qx25 diff: '123456' names no link file\n");

@@ -102,7 +102,15 @@ struct link_records {
     // WAN: LAPB and WAN), X.32 keywords only when the file had them. The
     // writer's result.
     int write(FILE *stream);
+    // The same into `text`.
+    int write_text(std::string &text);
 };
+
+// For the commands that take one LINK or FILE: names its file (`path`, to
+// show), reads it into `records` and keeps what the reader reported in
+// `messages`. exit_ok, or the exit status after saying what went wrong.
+int read_one_link(const command &self, std::span<char *const> args, std::string &path,
+                  link_records &records, std::vector<std::string> &messages);
 
 // ---- Link discovery (links.cpp) ---------------------------------------------------
 
