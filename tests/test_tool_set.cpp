@@ -247,6 +247,18 @@ TEST_F(ToolSet, TheNewFileAndTheBackupHaveTheOwnerOfTheFile) {
     }
 }
 
+TEST_F(ToolSet, ASymbolicLinkStaysOne) {
+    std::string real = fs::canonical(tree.write("elsewhere/link2.cfg", leased_line)).string();
+    fs::create_symlink(real, path);
+    auto result = run_tool({"set", "2", "lapb", "n2_count", "12"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out,
+              "link 2: LAPB n2_count 10 -> 12 (line 16); previous file kept as " + real + ".BAK\n");
+    EXPECT_TRUE(fs::is_symlink(path));
+    EXPECT_EQ(read_file(real), replaced(leased_line, "\tn2_count\t10\n", "\tn2_count\t12\n"));
+    EXPECT_EQ(read_file(real + ".BAK"), leased_line);
+}
+
 // ---- diff -------------------------------------------------------------------------
 
 TEST_F(ToolSet, DiffNeedsOneLinkOrFile) {

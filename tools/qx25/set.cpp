@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <memory>
 #include <string>
 
 namespace qx25tool {
@@ -53,6 +54,14 @@ int parse(const command &self, std::span<char *const> args, set_request &request
     if (std::optional<std::string> problem = value_problem(request.value))
         return usage_error(self, *problem);
     return exit_ok;
+}
+
+// The file a path names, through symbolic links; the path itself when that
+// cannot be found out.
+std::string real_path(const std::string &path) {
+    std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr),
+                                                         &std::free);
+    return resolved != nullptr ? std::string(resolved.get()) : path;
 }
 
 // Compares the file read back with what was planned; what differs, or empty.
@@ -114,14 +123,16 @@ int run_set(const command &self, std::span<char *const> args) {
         complain(self.name, unchanged + ": " + path + " changed while it was being edited");
         return exit_failure;
     }
-    std::string backup = path + ".BAK";
-    replacement done = replace_file(path, edit.new_text, status, backup, text);
+    // A symbolic link stays one: the file it names is replaced.
+    std::string file = real_path(path);
+    std::string backup = file + ".BAK";
+    replacement done = replace_file(file, edit.new_text, status, backup, text);
     if (!done.replaced) {
         complain(self.name, unchanged + ": " + done.failure);
         return exit_failure;
     }
     if (std::string wrong = read_back(name, edit); !wrong.empty()) {
-        replacement restored = replace_file(path, text, status);
+        replacement restored = replace_file(file, text, status);
         complain(self.name, "the new " + path + " does not read as planned: " + wrong);
         if (restored.replaced)
             complain(self.name, unchanged + ": the previous file is put back");
