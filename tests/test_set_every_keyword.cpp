@@ -228,7 +228,7 @@ std::size_t keyword_stride() {
 
 std::size_t configuration_step() {
 #ifdef QX25_SANITIZED_BUILD
-    constexpr std::size_t step = 5;
+    constexpr std::size_t step = 10;
 #else
     constexpr std::size_t step = 1;
 #endif
