@@ -10,8 +10,13 @@ namespace qx25tool {
 
 namespace {
 
-std::string because(std::string what) {
-    return what + ": " + std::strerror(errno);
+// The pieces of what failed, then the reason errno gives; errno is taken
+// before anything else can change it.
+template <typename... Pieces> std::string because(const Pieces &...pieces) {
+    int error = errno;
+    std::string text;
+    ((text += pieces), ...);
+    return text + ": " + std::strerror(error);
 }
 
 std::string directory_of(const std::string &path) {
@@ -41,33 +46,33 @@ class new_file {
     std::string make(std::string_view text, const struct stat &like, const std::string &target) {
         std::string directory = directory_of(path_);
         fd_ = ::mkostemp(path_.data(), O_CLOEXEC);
-        if (fd_ < 0) return because("cannot create a file in " + directory);
+        if (fd_ < 0) return because("cannot create a file in ", directory);
         made_ = true;
         for (std::size_t done = 0; done < text.size();) {
             ssize_t written = ::write(fd_, text.data() + done, text.size() - done);
             if (written < 0 && errno == EINTR) continue;
             if (written == 0) errno = ENOSPC;
-            if (written <= 0) return because("cannot write " + path_);
+            if (written <= 0) return because("cannot write ", path_);
             done += static_cast<std::size_t>(written);
         }
         // Changing the owner may clear set-id bits: the mode comes after it.
         struct stat own {};
-        if (::fstat(fd_, &own) != 0) return because("cannot read the status of " + path_);
+        if (::fstat(fd_, &own) != 0) return because("cannot read the status of ", path_);
         if ((own.st_uid != like.st_uid || own.st_gid != like.st_gid) &&
             ::fchown(fd_, like.st_uid, like.st_gid) != 0)
-            return because("cannot give " + path_ + " the owner of " + target);
+            return because("cannot give ", path_, " the owner of ", target);
         if (::fchmod(fd_, like.st_mode & 07777) != 0)
-            return because("cannot give " + path_ + " the mode of " + target);
-        if (::fsync(fd_) != 0) return because("cannot sync " + path_);
+            return because("cannot give ", path_, " the mode of ", target);
+        if (::fsync(fd_) != 0) return because("cannot sync ", path_);
         int fd = fd_;
         fd_ = -1;
-        if (::close(fd) != 0) return because("cannot close " + path_);
+        if (::close(fd) != 0) return because("cannot close ", path_);
         return {};
     }
 
     std::string rename_to(const std::string &target) {
         if (::rename(path_.c_str(), target.c_str()) != 0)
-            return because("cannot rename " + path_ + " to " + target);
+            return because("cannot rename ", path_, " to ", target);
         renamed_ = true;
         return {};
     }
@@ -81,9 +86,9 @@ class new_file {
 
 std::string sync_directory(const std::string &directory) {
     int fd = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd < 0) return because("cannot open the directory " + directory);
+    if (fd < 0) return because("cannot open the directory ", directory);
     std::string failure;
-    if (::fsync(fd) != 0) failure = because("cannot sync the directory " + directory);
+    if (::fsync(fd) != 0) failure = because("cannot sync the directory ", directory);
     ::close(fd);
     return failure;
 }

@@ -16,6 +16,12 @@ namespace qx25tool {
 
 namespace {
 
+// Why a scratch file could not be written, while errno still says it.
+std::string scratch_failure() {
+    const char *reason = std::strerror(errno);
+    return std::string("cannot write a scratch file: ") + reason;
+}
+
 bool same_word(std::string_view a, std::string_view b) {
     return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
@@ -179,8 +185,7 @@ std::vector<std::string> apply_value(link_records &records, const edit_target &t
                 target.subsection == SECTION_LAPB ? "\nSUBSECTION\tLAPB" : "\nSUBSECTION\tWAN";
     }
     content.append("\n\t").append(keyword).append("\t").append(value).append("\n");
-    if (!file.hold(content))
-        return {std::string("cannot write a scratch file: ") + std::strerror(errno)};
+    if (!file.hold(content)) return {scratch_failure()};
 
     link_config &c = records.config;
     fresh_marker_guard x25(c.x25.values.max_nsdu);
@@ -341,8 +346,7 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
     if (std::optional<std::string> problem = value_problem(value)) return refused(*problem);
     scratch_file original;
     scratch_file applied;
-    if (!original.hold(text))
-        return refused(std::string("cannot write a scratch file: ") + std::strerror(errno));
+    if (!original.hold(text)) return refused(scratch_failure());
     const std::string &path = original.path();
 
     // The file as the library reads it, and where the target's lines are.
@@ -390,8 +394,7 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
                        " characters the reader takes");
 
     // The new text as the library reads it.
-    if (!original.hold(edit.new_text))
-        return refused(std::string("cannot write a scratch file: ") + std::strerror(errno));
+    if (!original.hold(edit.new_text)) return refused(scratch_failure());
     reading now = read_link_file(path);
     now.messages = with_name(now.messages, path, file_name);
     if (now.result != 0) return refused(now.messages);
@@ -412,7 +415,7 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
     if (where.line) {
         link_records without_line;
         if (!original.hold(without_line_text(lines, *where.line)))
-            return refused(std::string("cannot write a scratch file: ") + std::strerror(errno));
+            return refused(scratch_failure());
         collect_messages();
         without_line.read(path.c_str());
         take_messages();

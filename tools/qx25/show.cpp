@@ -45,7 +45,8 @@ bool read_link_text(const std::string &path, std::string &text, struct stat &sta
                     std::string &failure) {
     qx25::file_ptr stream(qx25::open_regular_file(path.c_str()));
     if (stream == nullptr || ::fstat(::fileno(stream.get()), &status) != 0) {
-        failure = path + ": " + std::strerror(errno);
+        const char *reason = std::strerror(errno);
+        failure = path + ": " + reason;
         return false;
     }
     text.clear();
