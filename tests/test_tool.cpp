@@ -35,6 +35,7 @@ const char *const usage =
     "  pvcs      list the permanent virtual circuits of the links\n"
     "  show      print a link configuration as the library writes it\n"
     "  set       change one keyword of a link configuration\n"
+    "  diff      show what a rewrite by the library would change\n"
     "  host      show a host of xhosts\n"
     "  hosts     list the hosts of xhosts\n"
     "  subnets   list the subnetworks the configured links make\n"
