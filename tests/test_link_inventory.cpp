@@ -91,7 +91,8 @@ const char wan_line[] = "wans 1 1 2 WAN84 LC_LAPBDTE - 23421234567 WANS";
 
 TEST_F(LinkInventory, NullArgumentIsRefused) {
     EXPECT_EQ(read_link_parameters(nullptr), EINVAL);
-    EXPECT_EQ(messages(), std::vector<std::string>{"Null pointer passed to read_link_parameters\n"});
+    EXPECT_EQ(messages(),
+              std::vector<std::string>{"Null pointer passed to read_link_parameters\n"});
 }
 
 TEST_F(LinkInventory, LanLineOfALanDeviceIsValid) {
@@ -292,8 +293,8 @@ TEST_F(LinkInventory, DuplicateDeviceIsReportedOnceAndKept) {
     ASSERT_EQ(read(std::string(wan_line) + "\n" + lan_line + "\n" +
                    "wans 1 1 5 WAN88 LC_LAPBDTE - 999 WANS\n"),
               0);
-    EXPECT_EQ(messages(), std::vector<std::string>{"Duplicate device in file " + x25conf_path() +
-                                                   "\n"});
+    EXPECT_EQ(messages(),
+              std::vector<std::string>{"Duplicate device in file " + x25conf_path() + "\n"});
     auto nodes = inventory.nodes();
     ASSERT_EQ(nodes.size(), 3u);
     EXPECT_EQ(nodes[2]->subnet.address.snid, 5u);
@@ -308,8 +309,7 @@ TEST_F(LinkInventory, InvalidLinesNeverUseADevice) {
 TEST_F(LinkInventory, PvcsHangOnTheFirstNodeOfTheirLink) {
     tree.write("config/pvcmapconf", "2 1 128 128 2 2\n9 1 128 128 2 2\n2 2 256 256 4 4\n");
     ASSERT_EQ(read(std::string(wan_line) + "\n" + "wans 1 0 2 WAN84 LC_LAPBDTE - 1 WANS\n"), 0);
-    EXPECT_EQ(messages(),
-              std::vector<std::string>{"Found PVC for unconfigured link 9, skipped\n"});
+    EXPECT_EQ(messages(), std::vector<std::string>{"Found PVC for unconfigured link 9, skipped\n"});
     auto nodes = inventory.nodes();
     ASSERT_EQ(nodes.size(), 2u);
     ASSERT_NE(nodes[0]->pvcs, nullptr);
@@ -404,9 +404,10 @@ TEST_F(LinkInventory, CheckCountsFieldsAndGivesTheLinkNumber) {
 }
 
 TEST(LinkClasses, TableHasTheClassesInOrderThenTheEndRow) {
-    const char *names[] = {"LC_LLC1",     "LC_LLC2",      "LC_LAPBDTE",  "LC_LAPBXDTE", "LC_LAPBDCE",
-                           "LC_LAPBXDCE", "LC_LAPDTE",    "LC_LAPDCE",   "LC_MLAPBDTE", "LC_MLAPBXDTE",
-                           "LC_MLAPBDCE", "LC_MLAPBXDCE", "LC_MLP"};
+    const char *names[] = {"LC_LLC1",     "LC_LLC2",      "LC_LAPBDTE",  "LC_LAPBXDTE",
+                           "LC_LAPBDCE",  "LC_LAPBXDCE",  "LC_LAPDTE",   "LC_LAPDCE",
+                           "LC_MLAPBDTE", "LC_MLAPBXDTE", "LC_MLAPBDCE", "LC_MLAPBXDCE",
+                           "LC_MLP"};
     for (int row = 0; row < 13; ++row) {
         EXPECT_STREQ(netclass[row].name, names[row]);
         EXPECT_EQ(netclass[row].value, 15 + row);

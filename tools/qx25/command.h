@@ -45,6 +45,9 @@ int run_call(const command &self, std::span<char *const> args);
 int run_pad(const command &self, std::span<char *const> args);
 int run_profile(const command &self, std::span<char *const> args);
 int run_ppa(const command &self, std::span<char *const> args);
+// Link inventory and legacy configuration import.
+int run_import(const command &self, std::span<char *const> args);
+int run_inventory(const command &self, std::span<char *const> args);
 
 // ---- Shared by the commands (main.cpp) ----------------------------------------
 

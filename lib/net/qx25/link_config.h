@@ -133,7 +133,7 @@ enum x25conf_fault {
 
 struct x25conf_check {
     x25conf_fault fault;
-    int field;  // the field at fault (1..10), 0 when none
+    int field;       // the field at fault (1..10), 0 when none
     int fields;      // fields read, the one that ended the line included
     int link_number; // the fourth field, 0 when the line ended before it
 };

@@ -54,7 +54,8 @@ std::uint8_t net_type_index(std::string_view word) {
 
 std::uint8_t net_class_value(std::string_view word) {
     for (int row = 0; row < net_class_rows - 1; ++row)
-        if (same_word(word, netclass[row].name)) return static_cast<std::uint8_t>(netclass[row].value);
+        if (same_word(word, netclass[row].name))
+            return static_cast<std::uint8_t>(netclass[row].value);
     return unknown_row;
 }
 
@@ -177,10 +178,13 @@ link_node *append_node(link_node **head) {
 extern "C" {
 
 const net_class_row netclass[net_class_rows] = {
-    {"LC_LLC1", 15},      {"LC_LLC2", 16},      {"LC_LAPBDTE", 17},   {"LC_LAPBXDTE", 18},
-    {"LC_LAPBDCE", 19},   {"LC_LAPBXDCE", 20},  {"LC_LAPDTE", 21},    {"LC_LAPDCE", 22},
-    {"LC_MLAPBDTE", 23},  {"LC_MLAPBXDTE", 24}, {"LC_MLAPBDCE", 25},  {"LC_MLAPBXDCE", 26},
-    {"LC_MLP", 27},       {"?", 0},
+    {"LC_LLC1", 15},     {"LC_LLC2", 16},
+    {"LC_LAPBDTE", 17},  {"LC_LAPBXDTE", 18},
+    {"LC_LAPBDCE", 19},  {"LC_LAPBXDCE", 20},
+    {"LC_LAPDTE", 21},   {"LC_LAPDCE", 22},
+    {"LC_MLAPBDTE", 23}, {"LC_MLAPBXDTE", 24},
+    {"LC_MLAPBDCE", 25}, {"LC_MLAPBXDCE", 26},
+    {"LC_MLP", 27},      {"?", 0},
 };
 
 x25conf_check check_x25conf_line(const char *line, const device_type *table, link_values *link) {
