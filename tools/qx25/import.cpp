@@ -277,12 +277,11 @@ int run_import(const command &self, std::span<char *const> args) {
     // The writer names devices through the reader's device table; filling
     // it also clears the marks a table never filled holds in place of
     // comments, which are released at the end.
-    fill_linktype_struct(__config_linktype);
+    bool have_devices = fill_linktype_struct(__config_linktype) != 0;
     link_node *head = nullptr;
-    int result = read_link_parameters(&head);
-    std::vector<std::string> messages = take_messages();
-    bool complained = complain_all(self.name, messages);
-    if (result != 0 || (head == nullptr && complained)) {
+    int result = read_link_parameters(&head); // says itself when boardconf is missing
+    complain_all(self.name, take_messages());
+    if (result != 0 || !have_devices) {
         release_links(head);
         release_inventory_table();
         return exit_failure;
