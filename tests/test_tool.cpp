@@ -44,6 +44,8 @@ const char *const usage =
     "  profile   show the X.29 profile of an address\n"
     "  ppa       show the PPA number of an LLC2 device\n"
     "  template  save, show, send and fetch tuning templates\n"
+    "  inventory show devices, links and PVCs together, with their conflicts\n"
+    "  import    write link files from the older x25conf\n"
     "\n"
     "Files are looked up under $X25CONFIGFILES (default /etc/opt/Tarvenco/x25)\n"
     "and $X25LIBFILES (default /opt/Tarvenco/x25/lib).\n";

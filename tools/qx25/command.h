@@ -48,6 +48,9 @@ int run_pad(const command &self, std::span<char *const> args);
 int run_profile(const command &self, std::span<char *const> args);
 int run_ppa(const command &self, std::span<char *const> args);
 int run_template(const command &self, std::span<char *const> args);
+// Link inventory and legacy configuration import.
+int run_import(const command &self, std::span<char *const> args);
+int run_inventory(const command &self, std::span<char *const> args);
 
 // ---- Shared by the commands (main.cpp) ----------------------------------------
 

@@ -121,6 +121,27 @@ constexpr command command_table[] = {
      "MLP link x25. Nothing is saved or sent from a configuration file with\n"
      "problems (see check). The WAN layer has no driver: put and get do nothing.\n",
      run_template},
+    // ---- Link inventory and legacy configuration import ----
+    {"inventory", "", "show devices, links and PVCs together, with their conflicts",
+     "Prints the device kinds of $X25CONFIGFILES/boardconf with the links that use\n"
+     "each, the links of $X25CONFIGFILES/config with their devices and PVCs, and\n"
+     "the PVCs of pvcmapconf. A link whose file names a device boardconf does not\n"
+     "know, or a device another link uses too, is flagged; so is a file that\n"
+     "cannot be read and a PVC of a link that is not configured. The exit status\n"
+     "is 1 when anything was flagged.\n",
+     run_inventory},
+    {"import", "[--dry-run]", "write link files from the older x25conf",
+     "Reads $X25CONFIGFILES/x25conf, the older list of links (one device a line;\n"
+     "several lines for one link make an MLP link), with the addresses, aliases and\n"
+     "descriptions of $X25CONFIGFILES/subnetworks, and writes the LINK section of\n"
+     "each link's file config/link_config_NNNN.cfg through the library. A file that\n"
+     "exists keeps its other sections, its comments and what x25conf does not\n"
+     "give; it is copied to FILE.BAK first. Each line left out is reported with its\n"
+     "line number and the field at fault. When a write fails, every file written\n"
+     "is put back as it was. The exit status is 1 when a line was left out or\n"
+     "the import failed.\n\n"
+     "  --dry-run   show the files as they would be written; write nothing\n",
+     run_import},
 };
 
 void print_usage(std::ostream &out) {
