@@ -8,7 +8,7 @@
 
 namespace qx25tool {
 
-int run_diff(const command &self, std::span<char *const> args) {
+int run_diff(const command &self, const arguments &args) {
     std::string path;
     link_records records;
     std::vector<std::string> messages;

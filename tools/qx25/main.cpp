@@ -1,11 +1,7 @@
 // qx25: administration tool of the Quenlark X.25 configuration library.
 #include "command.h"
 
-#include "qx25.h"
-
 #include <clocale>
-#include <cstring>
-#include <iostream>
 
 namespace qx25tool {
 
@@ -16,7 +12,7 @@ constexpr command command_table[] = {
      "Parses each ADDRESS and prints its subnetwork, DTE digits, extension and\n"
      "canonical text form.\n\n"
      "  --check   apply the address class of the link the subnetwork names\n",
-     run_addr},
+     run_addr, "--check"},
     {"ident", "FILE", "show the IDENTIFICATION block of a configuration file",
      "Opens the link configuration FILE, checks its IDENTIFICATION block and\n"
      "prints its fields and the comments before it.\n",
@@ -68,7 +64,7 @@ constexpr command command_table[] = {
      "FILE.BAK, and is read back; when it does not read as planned the previous\n"
      "file is put back.\n\n"
      "  --dry-run   print the change as a unified diff and write nothing\n",
-     run_set},
+     run_set, "--dry-run"},
     {"diff", "LINK|FILE", "show what a rewrite by the library would change",
      "Reads a link configuration, given as for show, and prints as a unified diff\n"
      "how the file that the library would write for it (see show) differs from\n"
@@ -123,20 +119,6 @@ constexpr command command_table[] = {
      run_template},
 };
 
-void print_usage(std::ostream &out) {
-    out << "usage: qx25 COMMAND [ARGUMENTS]\n"
-           "       qx25 COMMAND --help\n\n"
-           "Commands:\n";
-    for (const command &cmd : command_table)
-        out << "  " << cmd.name << std::string(10 - cmd.name.size(), ' ') << cmd.summary << '\n';
-    out << "\nFiles are looked up under $X25CONFIGFILES (default /etc/opt/Tarvenco/x25)\n"
-           "and $X25LIBFILES (default /opt/Tarvenco/x25/lib).\n";
-}
-
-void print_command_help(const command &cmd) {
-    std::cout << "usage: qx25 " << cmd.name << ' ' << cmd.synopsis << "\n\n" << cmd.help;
-}
-
 } // namespace
 
 std::span<const command> commands() {
@@ -146,33 +128,6 @@ std::span<const command> commands() {
 } // namespace qx25tool
 
 int main(int argc, char **argv) {
-    using namespace qx25tool;
     std::setlocale(LC_ALL, "");
-
-    if (argc < 2) {
-        print_usage(std::cerr);
-        return exit_usage;
-    }
-    std::string_view name = argv[1];
-    if (name == "--help" || name == "-h" || name == "help") {
-        print_usage(std::cout);
-        return exit_ok;
-    }
-    for (const command &cmd : commands()) {
-        if (cmd.name != name) continue;
-        std::span<char *const> args(argv + 2, static_cast<std::size_t>(argc - 2));
-        for (const char *arg : args) {
-            if (std::strcmp(arg, "--help") == 0 || std::strcmp(arg, "-h") == 0) {
-                print_command_help(cmd);
-                return exit_ok;
-            }
-        }
-        x25_cat_open(); // without a catalog the built-in English texts are used
-        int status = cmd.run(cmd, args);
-        x25_cat_close();
-        return status;
-    }
-    std::cerr << "qx25: unknown command '" << name << "'\n";
-    print_usage(std::cerr);
-    return exit_usage;
+    return qx25tool::dispatch(qx25tool::commands(), argc, argv);
 }

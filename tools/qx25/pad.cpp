@@ -16,8 +16,9 @@ std::vector<std::string> row_of(const pad_entry &entry) {
 
 } // namespace
 
-int run_pad(const command &self, std::span<char *const> args) {
+int run_pad(const command &self, const arguments &args) {
     if (args.size() > 1) return usage_error(self, "at most one ADDRESS is taken");
+    if (!database_readable(self, "padmapconf")) return exit_failure;
     std::vector<std::vector<std::string>> rows;
     if (args.size() == 1) {
         x25_address address;
