@@ -186,8 +186,15 @@ checked_link check_link_file(const std::string &name, const std::string &path) {
     std::string text, failure;
     struct stat status {};
     if (!read_link_text(path, text, status, failure)) {
-        out.findings.add(0, failure.starts_with(path + ": ") ? failure.substr(path.size() + 2)
-                                                             : failure);
+        // The reader's own message, with the reason.
+        link_records records;
+        collect_messages();
+        records.read(name.c_str());
+        for (std::string &message : take_messages())
+            out.findings.add(0, std::move(message));
+        if (out.findings.found.empty())
+            out.findings.add(0, failure.starts_with(path + ": ") ? failure.substr(path.size() + 2)
+                                                                 : failure);
         return out;
     }
     if (out.number > 254)
@@ -219,7 +226,8 @@ checked_link check_link_file(const std::string &name, const std::string &path) {
     take_messages();
 
     unsigned named = out.records->config.link.values.subnet.address.snid;
-    if (out.number >= 0 && named != X25_NO_SNID && named != unsigned(out.number))
+    if (out.number >= 0 && out.address_line != 0 && named != X25_NO_SNID &&
+        named != unsigned(out.number))
         out.findings.add(out.address_line,
                          "full_address names link " + std::to_string(named) +
                              ", but the file is that of link " + std::to_string(out.number) +

@@ -13,16 +13,23 @@ constexpr command command_table[] = {
      "canonical text form.\n\n"
      "  --check   apply the address class of the link the subnetwork names\n",
      run_addr, "--check"},
-    {"ident", "FILE", "show the IDENTIFICATION block of a configuration file",
-     "Opens the link configuration FILE, checks its IDENTIFICATION block and\n"
-     "prints its fields and the comments before it.\n",
+    {"ident", "LINK|FILE", "show the IDENTIFICATION block of a configuration file",
+     "Opens a link configuration, given by link number or by file name as for\n"
+     "check, checks its IDENTIFICATION block and prints its fields and the\n"
+     "comments before it.\n",
      run_ident},
-    {"check", "LINK|FILE...", "read link configurations and show every problem",
-     "Reads each link configuration, given by link number (3 reads\n"
-     "config/link_config_0003.cfg) or by file name, and prints every message\n"
-     "the reader produced, prefixed by the file name, or \"ok\". A file name\n"
-     "that does not begin with /, ./ or ../ is looked up in $X25CONFIGFILES/config.\n"
-     "The exit status is 1 when any file had a message.\n",
+    {"check", "[LINK|FILE...]", "check the configuration tree or link files",
+     "Without arguments, checks every file of the configuration tree: each link\n"
+     "file, boardconf, pvcmapconf and world_networks.profile, and the links\n"
+     "against each other (a device or an alias used twice). With arguments,\n"
+     "checks each link configuration, given by link number (3 reads\n"
+     "config/link_config_0003.cfg) or by file name; a file name that does not\n"
+     "begin with /, ./ or ../ is looked up in $X25CONFIGFILES/config.\n\n"
+     "Prints each finding as FILE:LINE: text (FILE: text for the file as a\n"
+     "whole): what the library reports, and what it passes over, cuts or drops\n"
+     "without a word (unknown keywords, long lines, long comment blocks, CRLF\n"
+     "line ends, values it bends). A file without findings is FILE: ok. The exit\n"
+     "status is 0 only when nothing was found.\n",
      run_check},
     {"devices", "", "show the device type table read from boardconf",
      "Reads $X25CONFIGFILES/boardconf and prints its device kinds: row, symbolic\n"
@@ -38,12 +45,14 @@ constexpr command command_table[] = {
      "link, in link order: number, alias, type, X.25 version, frame protocol,\n"
      "DTE or DCE side, devices, full address, number of PVCs and description.\n"
      "A file that cannot be read, or that names a device another link uses, is\n"
-     "reported and left out.\n",
+     "reported and left out; the exit status is then 1.\n",
      run_links},
     {"pvcs", "[LINK]", "list the permanent virtual circuits of the links",
      "Prints the PVCs that $X25CONFIGFILES/pvcmapconf gives the configured links,\n"
      "or those of link number LINK: link, logical channel number (hexadecimal),\n"
-     "the two packet sizes in bytes and the two window sizes.\n",
+     "the two packet sizes in bytes and the two window sizes. The exit status is\n"
+     "1 when a link file was left out (see links) or the library reported a\n"
+     "problem.\n",
      run_pvcs},
     {"show", "LINK|FILE", "print a link configuration as the library writes it",
      "Reads a link configuration, given by link number or by file name as for\n"
@@ -58,11 +67,15 @@ constexpr command command_table[] = {
      "link, x25, llc2, lapb, wan or mlp, or lapb1 to lapb5 and wan1 to wan5 for the\n"
      "subsections of SECTION MLP in file order.\n\n"
      "The VALUE is read by the library as from the file; nothing is written when\n"
-     "it reports a problem with it or passes over it, or when the file holds the\n"
-     "value already. The new file must read as the old one with that value and no\n"
-     "other change. It replaces the old one atomically, which is kept as\n"
-     "FILE.BAK, and is read back; when it does not read as planned the previous\n"
-     "file is put back.\n\n"
+     "it reports a problem with it or passes over it, when it is not wholly a\n"
+     "value of the keyword (the library would read it as another), when the\n"
+     "link would name a device another link uses, or when the file holds the\n"
+     "value already. The new file must read as the old one with that value and\n"
+     "no other change. It replaces the old one atomically and is read back; when\n"
+     "it does not read as planned the previous file is put back.\n\n"
+     "The first change keeps the file as it was as FILE.BAK, which is never\n"
+     "touched again; each later change keeps the previous file as FILE.BAK.1,\n"
+     "FILE.BAK.2, ..., and the 10 newest of these numbered backups are kept.\n\n"
      "  --dry-run   print the change as a unified diff and write nothing\n",
      run_set, "--dry-run"},
     {"diff", "LINK|FILE", "show what a rewrite by the library would change",
