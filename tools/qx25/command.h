@@ -42,8 +42,8 @@ std::span<const command> commands();
 // status.
 int dispatch(std::span<const command> table, int argc, char **argv);
 
-// Prints "qx25 NAME: message" on standard error, control characters shown
-// as escapes (see visible).
+// Prints "qx25 NAME: message" on standard error, each line of a message of
+// several lines so, other control characters shown as escapes (see visible).
 void complain(std::string_view command_name, std::string_view message);
 
 // The text with every control character shown as an escape ("\r", "\t",
@@ -179,8 +179,8 @@ std::string address_text(const x25_address &address);
 std::string aliases_text(const xhost_entry &host);
 // The path of a file of the configuration directory, to show.
 std::string database_file(const char *name);
-// Whether the database file can be read; says why not. The library's look-ups
-// are silent about a file they cannot open.
+// Whether the database file can be read, or is missing (no entries); says
+// why not. The library's look-ups are silent about a file they cannot open.
 bool database_readable(const command &self, const char *name);
 
 } // namespace qx25tool

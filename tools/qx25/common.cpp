@@ -187,7 +187,12 @@ std::string unreadable_file(const std::string &path, bool may_be_missing) {
 }
 
 void complain(std::string_view command_name, std::string_view message) {
-    std::cerr << "qx25 " << command_name << ": " << visible(message) << '\n';
+    // A message of several lines is shown as several, each with the name.
+    do {
+        std::size_t end = message.find('\n');
+        std::cerr << "qx25 " << command_name << ": " << visible(message.substr(0, end)) << '\n';
+        message.remove_prefix(end == std::string_view::npos ? message.size() : end + 1);
+    } while (!message.empty());
 }
 
 int usage_error(const command &cmd, std::string_view message) {

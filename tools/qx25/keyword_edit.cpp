@@ -243,12 +243,18 @@ std::optional<std::string> bent_value(std::string_view value, std::string_view w
            ": the reader would take it as " + std::string(written);
 }
 
-// Why the value is not wholly a value of the keyword, given the records the
-// reader made with it; nullopt when it is, or when the writer writes no line
+// Why the value is not wholly a value of the keyword, read into the records
+// of the file's text; nullopt when it is, or when the writer writes no line
 // for the keyword to compare it with.
-std::optional<std::string> bent_for(link_records &records, const edit_target &target,
-                                    const char *keyword, std::string_view value,
-                                    scratch_file &file) {
+std::optional<std::string> bent_for(std::string_view text, const edit_target &target,
+                                    const char *keyword, std::string_view value) {
+    scratch_file original, file;
+    if (!original.hold(text)) return std::nullopt;
+    link_records records;
+    collect_messages();
+    records.read(original.path().c_str());
+    take_messages();
+    apply_value(records, target, keyword, value, file);
     std::optional<std::string> written = written_value(records, target, keyword, file);
     return written ? bent_value(value, *written, keyword) : std::nullopt;
 }
@@ -363,7 +369,7 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
         if (!taken_though_unchanged(records, before, target, keyword, value, applied))
             return refused("the reader passes over '" + std::string(value) + "' for " + keyword +
                            " (out of range, not valid, or of no effect on this link)");
-        if (std::optional<std::string> bent = bent_for(records, target, keyword, value, applied))
+        if (std::optional<std::string> bent = bent_for(text, target, keyword, value))
             return refused(*bent);
         edit.outcome = edit_outcome::unchanged;
         return edit;
@@ -409,7 +415,7 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
         return refused("the new value would change more of what the library reads from the "
                        "file (" +
                        *stray + ")");
-    if (std::optional<std::string> bent = bent_for(records, target, keyword, value, applied))
+    if (std::optional<std::string> bent = bent_for(text, target, keyword, value))
         return refused(*bent);
     edit.outcome = edit_outcome::changed;
     edit.expected = std::move(now.parts);

@@ -22,7 +22,7 @@ std::string database_file(const char *name) {
 }
 
 bool database_readable(const command &self, const char *name) {
-    std::string unreadable = unreadable_file(database_file(name));
+    std::string unreadable = unreadable_file(database_file(name), true);
     if (!unreadable.empty()) complain(self.name, unreadable);
     return unreadable.empty();
 }
