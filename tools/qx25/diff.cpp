@@ -30,7 +30,7 @@ int run_diff(const command &self, const arguments &args) {
         return exit_failure;
     }
     std::cout << unified_diff(text, rewritten, path, path + " (rewritten by the library)");
-    return exit_ok;
+    return messages.empty() ? exit_ok : exit_failure;
 }
 
 } // namespace qx25tool

@@ -152,6 +152,14 @@ link_node *discover_links(const command &self, bool *failed) {
         release_links(head);
         return nullptr;
     }
+    // A missing pvcmapconf means no PVCs; one that is there but cannot be
+    // read is passed over by the library without a word.
+    if (std::string unreadable =
+            unreadable_file(std::string(qx25::config_dir()) + "/pvcmapconf", true);
+        !unreadable.empty()) {
+        complain(self.name, unreadable);
+        *failed = true;
+    }
     for (const auto &[number, name] : link_files()) {
         const link_node *node = head;
         while (node != nullptr && node->link.values.subnet.address.snid != unsigned(number))

@@ -84,13 +84,18 @@ bool read_text(std::string_view text, link_records &records) {
 }
 
 // Why the link would drop out of link discovery with the new text, and not
-// with the old one: it would name a device another link uses. Empty when it
-// would not.
+// with the old one: it would name a device another link uses. Also why that
+// cannot be known. Empty when it would not.
 std::string drops_out(int link, std::string_view old_text, std::string_view new_text) {
     link_records before, after;
     if (!read_text(old_text, before) || !read_text(new_text, after)) return {};
     link_node *head = nullptr;
-    x25_find_link_parameters(&head);
+    if (int result = x25_find_link_parameters(&head); result != 0) {
+        std::vector<std::string> messages = take_messages();
+        release_links(head);
+        return "the devices of the other links cannot be compared: link discovery fails (" +
+               (messages.empty() ? std::string(std::strerror(result)) : messages.front()) + ")";
+    }
     take_messages(); // the other links' problems are not this edit's
     std::string reason;
     for (const link_node *node = head; node != nullptr && reason.empty(); node = node->next) {

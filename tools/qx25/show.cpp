@@ -154,7 +154,8 @@ int run_show(const command &self, const arguments &args) {
         complain(self.name, std::string("cannot write ") + path + ": " + std::strerror(result));
         return exit_failure;
     }
-    return exit_ok;
+    // What the library reported may be missing from what is shown.
+    return messages.empty() ? exit_ok : exit_failure;
 }
 
 } // namespace qx25tool
