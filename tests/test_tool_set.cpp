@@ -179,7 +179,13 @@ TEST_F(ToolSet, AFileTheReaderCannotOpenIsLeftAlone) {
     write_link(text);
     auto result = run_tool({"set", "2", "lapb", "n2_count", "12"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "qx25 set: Error reading IDENTIFICATION section from file " + path +
+    // One message names the line ends the reader's message says nothing of.
+    EXPECT_EQ(result.err, "qx25 set: " + path +
+                              ": the file has CRLF line ends (a carriage return before the "
+                              "newline) on 24 lines: the reader takes each carriage return as a "
+                              "part of the line\n"
+                              "qx25 set: Error reading IDENTIFICATION section from file " +
+                              path +
                               ", line 3\n"
                               "qx25 set: link 2 not changed\n");
     EXPECT_EQ(read_file(path), text);

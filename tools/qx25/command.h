@@ -125,6 +125,15 @@ bool name_link_file(const char *argument, std::string &name, std::string &path);
 bool read_link_text(const std::string &path, std::string &text, struct stat &status,
                     std::string &failure);
 
+// What a text's CRLF line ends do to the reader, or empty when it has none:
+// "the file has CRLF line ends (...) on 3 lines: ...". The line of the first
+// goes to `first_line` (from 1).
+std::string crlf_finding(std::string_view text, std::size_t *first_line = nullptr);
+
+// The same for a link file, as "PATH: ..."; empty when it has none or
+// cannot be read.
+std::string crlf_note(const std::string &path);
+
 // One link file as the reader gives it, released when the object goes.
 struct link_records {
     link_config config{};

@@ -28,7 +28,11 @@ int run_ident(const command &self, const arguments &args) {
 
     config_identification ids;
     FILE *stream = x25_open_config_file(path.c_str(), &ids, 0);
-    if (stream == nullptr) return exit_failure; // the library said why
+    if (stream == nullptr) {
+        // The library said why; what CRLF line ends did, it cannot say.
+        if (std::string note = crlf_note(path); !note.empty()) complain(self.name, note);
+        return exit_failure;
+    }
     // The first SECTION line waits in the reader's push-back: take it back
     // before the stream goes away.
     config_line line{};

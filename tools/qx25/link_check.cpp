@@ -28,13 +28,9 @@ std::string_view body_of(std::string_view line) {
 }
 
 void check_line_ends(const link_text &lines, file_findings &out) {
-    std::size_t first = 0, crlf = 0;
-    for (std::size_t i = 0; i < lines.line_count(); ++i)
-        if (line_end(lines.line(i)) == "\r\n" && crlf++ == 0) first = i + 1;
-    if (crlf == 0) return;
-    out.add(first, "the file has CRLF line ends (a carriage return before the newline) on " +
-                       count_of(crlf, "line") +
-                       ": the reader takes each carriage return as a part of the line");
+    std::size_t first = 0;
+    if (std::string finding = crlf_finding(lines.text(), &first); !finding.empty())
+        out.add(first, finding);
 }
 
 void check_long_lines(const link_text &lines, file_findings &out) {
@@ -176,6 +172,25 @@ void check_keyword_lines(const std::string &scratch, const link_text &lines, che
 }
 
 } // namespace
+
+std::string crlf_finding(std::string_view text, std::size_t *first_line) {
+    link_text lines{std::string(text)};
+    std::size_t first = 0, crlf = 0;
+    for (std::size_t i = 0; i < lines.line_count(); ++i)
+        if (line_end(lines.line(i)) == "\r\n" && crlf++ == 0) first = i + 1;
+    if (first_line != nullptr) *first_line = first;
+    if (crlf == 0) return {};
+    return "the file has CRLF line ends (a carriage return before the newline) on " +
+           count_of(crlf, "line") + ": the reader takes each carriage return as a part of the line";
+}
+
+std::string crlf_note(const std::string &path) {
+    std::string text, failure;
+    struct stat status {};
+    if (!read_link_text(path, text, status, failure)) return {};
+    std::string finding = crlf_finding(text);
+    return finding.empty() ? finding : path + ": " + finding;
+}
 
 checked_link check_link_file(const std::string &name, const std::string &path) {
     checked_link out;

@@ -135,6 +135,8 @@ int run_set(const command &self, const arguments &args) {
         "link " + std::to_string(request.link) + ": " + target.title + ' ' + request.keyword;
     switch (edit.outcome) {
     case edit_outcome::refused:
+        if (!edit.messages.empty())
+            if (std::string note = crlf_note(path); !note.empty()) complain(self.name, note);
         if (complain_all(self.name, edit.messages))
             complain(self.name, unchanged);
         else

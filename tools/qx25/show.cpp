@@ -107,6 +107,11 @@ int read_one_link(const command &self, const arguments &args, std::string &path,
     collect_messages();
     int result = records.read(name.c_str());
     messages = take_messages();
+    // The reader's messages about a file with CRLF line ends say nothing of
+    // them: one message does.
+    if (!messages.empty())
+        if (std::string note = crlf_note(path); !note.empty())
+            messages.insert(messages.begin(), note);
     if (result != 0) {
         if (!complain_all(self.name, messages))
             complain(self.name, path + ": " + std::strerror(result));
