@@ -141,7 +141,7 @@ TEST_F(Tool, AddrWithoutAddressIsAUsageError) {
     auto result = run_tool({"addr", "--check"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "qx25 addr: no address given\n"
-                          "usage: qx25 addr [--check] ADDRESS...\n");
+                          "qx25 addr: usage: qx25 addr [--check] ADDRESS...\n");
 }
 
 TEST_F(Tool, IdentPrintsTheBlock) {
@@ -188,7 +188,8 @@ TEST_F(Tool, IdentOfAMissingFile) {
 TEST_F(Tool, IdentNeedsExactlyOneFile) {
     auto result = run_tool({"ident"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 ident: one LINK or FILE is needed\nusage: qx25 ident LINK|FILE\n");
+    EXPECT_EQ(result.err,
+              "qx25 ident: one LINK or FILE is needed\nqx25 ident: usage: qx25 ident LINK|FILE\n");
 }
 
 TEST_F(Tool, MessagesFollowTheCatalogOfTheLocale) {

@@ -453,7 +453,7 @@ TEST_F(ToolLinks, LinksWhoseFilesCannotBeReadFails) {
 TEST_F(ToolLinks, LinksTakesNoArguments) {
     auto result = run_tool({"links", "2"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 links: no arguments are taken\nusage: qx25 links \n");
+    EXPECT_EQ(result.err, "qx25 links: no arguments are taken\nqx25 links: usage: qx25 links \n");
 }
 
 // ---- pvcs -------------------------------------------------------------------------
@@ -507,11 +507,12 @@ TEST_F(ToolLinks, PvcsOfALinkThatIsNotConfigured) {
 TEST_F(ToolLinks, PvcsUsageErrors) {
     auto result = run_tool({"pvcs", "two"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err,
-              "qx25 pvcs: LINK must be a link number from 0 to 254\nusage: qx25 pvcs [LINK]\n");
+    EXPECT_EQ(result.err, "qx25 pvcs: LINK must be a link number from 0 to 254\nqx25 pvcs: usage: "
+                          "qx25 pvcs [LINK]\n");
     result = run_tool({"pvcs", "2", "3"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 pvcs: at most one LINK is taken\nusage: qx25 pvcs [LINK]\n");
+    EXPECT_EQ(result.err,
+              "qx25 pvcs: at most one LINK is taken\nqx25 pvcs: usage: qx25 pvcs [LINK]\n");
 }
 
 // ---- show -------------------------------------------------------------------------
@@ -577,7 +578,8 @@ TEST_F(ToolLinks, ShowOfALinkThatDoesNotExist) {
 TEST_F(ToolLinks, ShowNeedsOneLinkOrFile) {
     auto result = run_tool({"show"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 show: one LINK or FILE is needed\nusage: qx25 show LINK|FILE\n");
+    EXPECT_EQ(result.err,
+              "qx25 show: one LINK or FILE is needed\nqx25 show: usage: qx25 show LINK|FILE\n");
     result = run_tool({"show", "123456"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "qx25 show: '123456' names no link file\n");
@@ -715,7 +717,7 @@ TEST_F(ToolLinks, SetRefusesAValueThatMakesTheFileReadWithAProblem) {
 
 TEST_F(ToolLinks, SetRefusesAnUnknownKeywordSectionOrValue) {
     write_links();
-    const std::string usage = "usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n";
+    const std::string usage = "qx25 set: usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n";
     auto keyword = run_tool({"set", "2", "lapb", "colour", "red"});
     EXPECT_EQ(keyword.status, 2);
     EXPECT_EQ(keyword.err, "qx25 set: 'colour' is not a keyword of LAPB\n" + usage);
@@ -889,7 +891,7 @@ TEST_F(ToolLinks, SetKeepsTheModeOfTheFile) {
 }
 
 TEST_F(ToolLinks, SetNeedsALinkNumberAndFourArguments) {
-    const std::string usage = "usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n";
+    const std::string usage = "qx25 set: usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n";
     auto few = run_tool({"set", "2", "lapb", "n2_count"});
     EXPECT_EQ(few.status, 2);
     EXPECT_EQ(few.err, "qx25 set: LINK, SECTION, KEYWORD and VALUE are needed\n" + usage);

@@ -270,7 +270,8 @@ TEST_F(ToolSet, ASymbolicLinkStaysOne) {
 TEST_F(ToolSet, DiffNeedsOneLinkOrFile) {
     auto none = run_tool({"diff"});
     EXPECT_EQ(none.status, 2);
-    EXPECT_EQ(none.err, "qx25 diff: one LINK or FILE is needed\nusage: qx25 diff LINK|FILE\n");
+    EXPECT_EQ(none.err,
+              "qx25 diff: one LINK or FILE is needed\nqx25 diff: usage: qx25 diff LINK|FILE\n");
     auto missing = run_tool({"diff", "7"});
     EXPECT_EQ(missing.status, 1);
     EXPECT_EQ(missing.err, "qx25 diff: Error opening file " + directory +

@@ -326,7 +326,7 @@ TEST_F(ToolTemplate, TheWanLayerHasNoDriver) {
 // ---- Arguments -------------------------------------------------------------------------
 
 TEST_F(ToolTemplate, WrongCalls) {
-    const std::string usage = "usage: qx25 template save|show|put|get LINK LAYER\n";
+    const std::string usage = "qx25 template: usage: qx25 template save|show|put|get LINK LAYER\n";
     struct call {
         std::vector<std::string> args;
         std::string complaint;

@@ -197,7 +197,7 @@ void complain(std::string_view command_name, std::string_view message) {
 
 int usage_error(const command &cmd, std::string_view message) {
     complain(cmd.name, message);
-    std::cerr << "usage: qx25 " << cmd.name << ' ' << cmd.synopsis << '\n';
+    complain(cmd.name, "usage: qx25 " + std::string(cmd.name) + ' ' + std::string(cmd.synopsis));
     return exit_usage;
 }
 
