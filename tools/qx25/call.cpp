@@ -8,7 +8,9 @@ namespace qx25tool {
 int run_call(const command &self, const arguments &args) {
     if (args.size() != 1) return usage_error(self, "one NAME or ADDRESS is taken");
     collect_messages(); // the class check reads the link's file
-    const char *call = getpadbystr(args[0]);
+    const char *call = nullptr;
+    // padtos, under the look-up, explains a refusal on standard error itself.
+    with_messages_named(self.name, [&] { call = getpadbystr(args[0]); });
     complain_all(self.name, take_messages());
     if (call == nullptr) {
         // The library passes over a database it cannot open without a word.

@@ -4,6 +4,7 @@
 #include "qx25.h"
 
 #include <cstdio>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -62,6 +63,11 @@ std::string unreadable_file(const std::string &path, bool may_be_missing = false
 
 // A link number from 0 to 254 and nothing else, or -1.
 int link_number(const char *text);
+
+// Runs `work` with standard error going to a scratch file, and shows what it
+// wrote there as messages of the command: for the library calls that write
+// to standard error themselves.
+void with_messages_named(std::string_view command_name, const std::function<void()> &work);
 
 // Reports a wrong call of a command and returns exit_usage.
 int usage_error(const command &cmd, std::string_view message);

@@ -13,6 +13,7 @@
 #include <iostream>
 #include <sys/stat.h>
 #include <optional>
+#include <unistd.h>
 #include <utility>
 
 namespace qx25tool {
@@ -184,6 +185,30 @@ std::string unreadable_file(const std::string &path, bool may_be_missing) {
     int error = errno;
     if (may_be_missing && error == ENOENT) return {};
     return path + ": " + open_failure_reason(path, error);
+}
+
+void with_messages_named(std::string_view command_name, const std::function<void()> &work) {
+    std::fflush(stderr);
+    std::FILE *scratch = std::tmpfile();
+    int saved = scratch != nullptr ? ::dup(STDERR_FILENO) : -1;
+    if (saved < 0 || ::dup2(::fileno(scratch), STDERR_FILENO) < 0) {
+        if (saved >= 0) ::close(saved);
+        if (scratch != nullptr) std::fclose(scratch);
+        work(); // the messages go out as they are
+        return;
+    }
+    work();
+    std::fflush(stderr);
+    ::dup2(saved, STDERR_FILENO);
+    ::close(saved);
+    std::string text;
+    std::rewind(scratch);
+    for (int c; (c = std::fgetc(scratch)) != EOF;)
+        text += static_cast<char>(c);
+    std::fclose(scratch);
+    while (!text.empty() && text.back() == '\n')
+        text.pop_back();
+    if (!text.empty()) complain(command_name, text);
 }
 
 void complain(std::string_view command_name, std::string_view message) {
