@@ -2,6 +2,7 @@
 // and "--", names resolved the same way, control characters shown as
 // escapes, values taken whole or refused. Compared byte for byte.
 #include "config_tree.h"
+#include "link_files.h"
 #include "run_tool.h"
 
 #include <gtest/gtest.h>
@@ -23,8 +24,7 @@ class ToolBehaviour : public testing::Test {
     void SetUp() override {
         ::setenv("LC_ALL", "C", 1);
         ::unsetenv("NLSPATH");
-        fs::copy(QX25_SOURCE_DIR "/examples/etc", tree.config_dir(), fs::copy_options::recursive);
-        fs::copy(QX25_SOURCE_DIR "/examples/lib", tree.lib_dir(), fs::copy_options::recursive);
+        qx25test::copy_example_tree(tree);
         wan_path = tree.config_dir() + "/config/link_config_0002.cfg";
         wan_text = read_file(wan_path);
     }

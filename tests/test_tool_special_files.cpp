@@ -2,6 +2,7 @@
 // with the usual message and its reason; no command waits on it. Each run is
 // the real qx25 under a time limit that only a hang would reach.
 #include "config_tree.h"
+#include "link_files.h"
 #include "run_tool.h"
 
 #include <gtest/gtest.h>
@@ -44,8 +45,7 @@ class SpecialFiles : public testing::TestWithParam<fifo_case> {
     void SetUp() override {
         ::setenv("LC_ALL", "C", 1);
         ::unsetenv("NLSPATH");
-        fs::copy(QX25_SOURCE_DIR "/examples/etc", tree.config_dir(), fs::copy_options::recursive);
-        fs::copy(QX25_SOURCE_DIR "/examples/lib", tree.lib_dir(), fs::copy_options::recursive);
+        qx25test::copy_example_tree(tree);
     }
 
     std::string rooted(std::string text) const {

@@ -51,8 +51,7 @@ class TreeCheck : public testing::Test {
 };
 
 TEST_F(TreeCheck, TheExampleTreeIsClean) {
-    fs::copy(QX25_SOURCE_DIR "/examples/etc", tree.config_dir(), fs::copy_options::recursive);
-    fs::copy(QX25_SOURCE_DIR "/examples/lib", tree.lib_dir(), fs::copy_options::recursive);
+    qx25test::copy_example_tree(tree);
     auto result = run_tool({"check"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
