@@ -255,9 +255,11 @@ file_findings check_network_profiles(const std::string &path) {
         }
         line = line.substr(0, line.find('#'));
         std::vector<std::string_view> words = words_of(line);
-        if (words.empty()) {
-            out.add(number, "a line without a network uses up one of the " +
-                                std::to_string(entries) + " entries of the table");
+        // What a line does not give, the library takes from the line before.
+        if (words.empty() || words[0].find_first_of("0123456789") != 0) {
+            out.add(number, "the line has no network number: the library stores the network of "
+                            "the line before it again, in one of its " +
+                                std::to_string(entries) + " entries");
             continue;
         }
         if (!number_in(words[0], 1, 65535)) {
@@ -265,8 +267,11 @@ file_findings check_network_profiles(const std::string &path) {
                     "the network number " + quoted(words[0]) + " is not a number from 1 to 65535");
             continue;
         }
-        if (words.size() < 2) {
-            out.add(number, "the network has no name");
+        if (words.size() < 3) {
+            out.add(number, words.size() < 2 ? "the network has no name: the library gives it the "
+                                               "name and description of the line before it"
+                                             : "the network has no description: the library "
+                                               "gives it the description of the line before it");
             continue;
         }
         long network = std::atol(std::string(words[0]).c_str());
