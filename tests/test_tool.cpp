@@ -28,7 +28,7 @@ const char *const usage =
     "Commands:\n"
     "  addr      parse X.25 addresses and show their fields\n"
     "  ident     show the IDENTIFICATION block of a configuration file\n"
-    "  check     read link configurations and show every problem\n"
+    "  check     check the configuration tree or link files\n"
     "  devices   show the device type table read from boardconf\n"
     "  networks  show the network profiles of world_networks.profile\n"
     "  links     list the configured links\n"
@@ -85,10 +85,12 @@ TEST_F(Tool, AddrHelp) {
 TEST_F(Tool, IdentHelp) {
     auto result = run_tool({"ident", "-h"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "usage: qx25 ident FILE\n"
-                          "\n"
-                          "Opens the link configuration FILE, checks its IDENTIFICATION block and\n"
-                          "prints its fields and the comments before it.\n");
+    EXPECT_EQ(result.out,
+              "usage: qx25 ident LINK|FILE\n"
+              "\n"
+              "Opens a link configuration, given by link number or by file name as for\n"
+              "check, checks its IDENTIFICATION block and prints its fields and the\n"
+              "comments before it.\n");
 }
 
 TEST_F(Tool, AddrShowsFieldsAndCanonicalText) {
@@ -141,7 +143,7 @@ TEST_F(Tool, AddrWithoutAddressIsAUsageError) {
     auto result = run_tool({"addr", "--check"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "qx25 addr: no address given\n"
-                          "usage: qx25 addr [--check] ADDRESS...\n");
+                          "qx25 addr: usage: qx25 addr [--check] ADDRESS...\n");
 }
 
 TEST_F(Tool, IdentPrintsTheBlock) {
@@ -175,19 +177,21 @@ TEST_F(Tool, IdentPassesOnTheLibrarysMessage) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
-              "Error reading IDENTIFICATION section from file " + path + ", line 1\n\n");
+              "qx25 ident: Error reading IDENTIFICATION section from file " + path + ", line 1\n");
 }
 
 TEST_F(Tool, IdentOfAMissingFile) {
     auto result = run_tool({"ident", "/nonexistent/link.cfg"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "Error opening file /nonexistent/link.cfg\n\n");
+    EXPECT_EQ(result.err,
+              "qx25 ident: Error opening file /nonexistent/link.cfg: No such file or directory\n");
 }
 
 TEST_F(Tool, IdentNeedsExactlyOneFile) {
     auto result = run_tool({"ident"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 ident: one FILE is needed\nusage: qx25 ident FILE\n");
+    EXPECT_EQ(result.err,
+              "qx25 ident: one LINK or FILE is needed\nqx25 ident: usage: qx25 ident LINK|FILE\n");
 }
 
 TEST_F(Tool, MessagesFollowTheCatalogOfTheLocale) {
@@ -195,7 +199,8 @@ TEST_F(Tool, MessagesFollowTheCatalogOfTheLocale) {
     ::setenv("LC_ALL", "fr_FR.UTF-8", 1);
     auto result = run_tool({"ident", "/nonexistent/link.cfg"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "Erreur à l'ouverture du fichier /nonexistent/link.cfg\n\n");
+    EXPECT_EQ(result.err, "qx25 ident: Erreur à l'ouverture du fichier /nonexistent/link.cfg: "
+                          "Aucun fichier ou dossier de ce type\n");
 }
 
 const char *const link_head = "IDENTIFICATION\n\tPRODUCT_NAME\tQuenlark X.25\n";
@@ -220,18 +225,24 @@ TEST_F(Tool, CheckPrintsEveryMessageWithTheFileName) {
     auto result = run_tool({"check", path, "7"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "");
-    EXPECT_EQ(result.out, path + ": Unknown device name <modem0> found\n" + path +
-                              ": Unknown LINK Keyword <colour>, skipped\n" + path +
-                              ": Timer value out of range, 200.0 assumed\n" + path +
-                              ": Unknown section FOO, skipped\n" + tree.config_dir() +
+    // Each message of the reader is placed on the line that made it.
+    EXPECT_EQ(result.out, path + ":4: Unknown device name <modem0> found\n" + path +
+                              ":5: Unknown LINK Keyword <colour>, skipped\n" + path +
+                              ":7: Timer value out of range, 200.0 assumed\n" + path +
+                              ":8: Unknown section FOO, skipped\n" + tree.config_dir() +
                               "/config/link_config_0007.cfg: Error opening file " +
-                              tree.config_dir() + "/config/link_config_0007.cfg\n");
+                              tree.config_dir() +
+                              "/config/link_config_0007.cfg: No such file or directory\n");
 }
 
-TEST_F(Tool, CheckNeedsAnArgument) {
+TEST_F(Tool, CheckWithoutArgumentsChecksTheTreeEvenAnEmptyOne) {
     auto result = run_tool({"check"});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 check: no link or file given\nusage: qx25 check LINK|FILE...\n");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "");
+    // No PVC map means no PVCs; the other files are needed.
+    EXPECT_EQ(result.out, tree.config_dir() + "/boardconf: No such file or directory\n" +
+                              tree.config_dir() + "/pvcmapconf: ok\n" + tree.lib_dir() +
+                              "/world_networks.profile: No such file or directory\n");
 }
 
 TEST_F(Tool, CheckRefusesLinkNumbersBeyondFourDigits) {
@@ -254,7 +265,8 @@ TEST_F(Tool, DevicesPrintsTheTable) {
 TEST_F(Tool, DevicesWithoutBoardconf) {
     auto result = run_tool({"devices"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "qx25 devices: cannot read " + tree.config_dir() + "/boardconf\n");
+    EXPECT_EQ(result.err, "qx25 devices: cannot read " + tree.config_dir() +
+                              "/boardconf: No such file or directory\n");
 }
 
 TEST_F(Tool, DevicesOfABoardconfWithoutDevices) {
@@ -277,7 +289,8 @@ TEST_F(Tool, NetworksPrintsTheProfilesInFileOrder) {
 TEST_F(Tool, NetworksWithoutProfileFile) {
     auto result = run_tool({"networks"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "Error opening file " + tree.lib_dir() + "/world_networks.profile\n");
+    EXPECT_EQ(result.err, "qx25 networks: Error opening file " + tree.lib_dir() +
+                              "/world_networks.profile: No such file or directory\n");
 }
 
 TEST_F(Tool, DevicesAndNetworksTakeNoArguments) {

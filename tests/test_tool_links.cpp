@@ -315,7 +315,7 @@ TEST_F(ToolLinks, LinksHelp) {
               "link, in link order: number, alias, type, X.25 version, frame protocol,\n"
               "DTE or DCE side, devices, full address, number of PVCs and description.\n"
               "A file that cannot be read, or that names a device another link uses, is\n"
-              "reported and left out.\n");
+              "reported and left out; the exit status is then 1.\n");
 }
 
 TEST_F(ToolLinks, PvcsHelp) {
@@ -326,7 +326,9 @@ TEST_F(ToolLinks, PvcsHelp) {
               "\n"
               "Prints the PVCs that $X25CONFIGFILES/pvcmapconf gives the configured links,\n"
               "or those of link number LINK: link, logical channel number (hexadecimal),\n"
-              "the two packet sizes in bytes and the two window sizes.\n");
+              "the two packet sizes in bytes and the two window sizes. The exit status is\n"
+              "1 when a link file was left out (see links) or the library reported a\n"
+              "problem.\n");
 }
 
 TEST_F(ToolLinks, ShowHelp) {
@@ -342,7 +344,8 @@ TEST_F(ToolLinks, ShowHelp) {
 }
 
 TEST_F(ToolLinks, SetHelp) {
-    auto result = run_tool({"set", "2", "lapb", "--help"});
+    // Help is asked for where options stand: before the operands.
+    auto result = run_tool({"set", "--dry-run", "--help"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out,
               "usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n"
@@ -354,11 +357,16 @@ TEST_F(ToolLinks, SetHelp) {
               "subsections of SECTION MLP in file order.\n"
               "\n"
               "The VALUE is read by the library as from the file; nothing is written when\n"
-              "it reports a problem with it or passes over it, or when the file holds the\n"
-              "value already. The new file must read as the old one with that value and no\n"
-              "other change. It replaces the old one atomically, which is kept as\n"
-              "FILE.BAK, and is read back; when it does not read as planned the previous\n"
-              "file is put back.\n"
+              "it reports a problem with it or passes over it, when it is not wholly a\n"
+              "value of the keyword (the library would read it as another), when the\n"
+              "link would name a device another link uses, or when the file holds the\n"
+              "value already. The new file must read as the old one with that value and\n"
+              "no other change. It replaces the old one atomically and is read back; when\n"
+              "it does not read as planned the previous file is put back.\n"
+              "\n"
+              "The first change keeps the file as it was as FILE.BAK, which is never\n"
+              "touched again; each later change keeps the previous file as FILE.BAK.1,\n"
+              "FILE.BAK.2, ..., and the 10 newest of these numbered backups are kept.\n"
               "\n"
               "  --dry-run   print the change as a unified diff and write nothing\n");
 }
@@ -381,7 +389,8 @@ TEST_F(ToolLinks, LinksListsTheLinksInOrder) {
     write_links();
     tree.write("config/pvcmapconf", pvcmapconf);
     auto result = run_tool({"links"});
-    EXPECT_EQ(result.status, 0);
+    // A circuit the library drops is a problem of the configuration.
+    EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "qx25 links: Found PVC for unconfigured link 9, skipped\n");
     EXPECT_EQ(result.out,
               "LINK  ALIAS    TYPE  VERSION  PROTOCOL  MODE  DEVICES    ADDRESS           PVCS"
@@ -400,10 +409,14 @@ TEST_F(ToolLinks, LinksLeavesOutALinkWhoseDeviceIsTaken) {
                "IDENTIFICATION\n\tPRODUCT_NAME\tQuenlark X.25\n"
                "SECTION\tLINK\n\tdevice\t\twan1\n\tprotocol\tLAPB\n");
     auto result = run_tool({"links"});
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.status, 1);
     // Which of the two files is refused depends on the directory's order.
-    EXPECT_TRUE(result.err == "qx25 links: Duplicate device in file link_config_0004.cfg\n" ||
-                result.err == "qx25 links: Duplicate device in file link_config_0003.cfg\n")
+    auto left_out = [&](const std::string &name) {
+        return "qx25 links: Duplicate device in file " + name +
+               "\nqx25 links: " + tree.config_dir() + "/config/" + name + " is left out\n";
+    };
+    EXPECT_TRUE(result.err == left_out("link_config_0004.cfg") ||
+                result.err == left_out("link_config_0003.cfg"))
         << result.err;
     EXPECT_EQ(result.out.find("   4  -        WAN") == std::string::npos,
               result.out.find("   3  -        MLP") != std::string::npos)
@@ -440,7 +453,7 @@ TEST_F(ToolLinks, LinksWhoseFilesCannotBeReadFails) {
 TEST_F(ToolLinks, LinksTakesNoArguments) {
     auto result = run_tool({"links", "2"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 links: no arguments are taken\nusage: qx25 links \n");
+    EXPECT_EQ(result.err, "qx25 links: no arguments are taken\nqx25 links: usage: qx25 links \n");
 }
 
 // ---- pvcs -------------------------------------------------------------------------
@@ -449,7 +462,7 @@ TEST_F(ToolLinks, PvcsOfAllLinks) {
     write_links();
     tree.write("config/pvcmapconf", pvcmapconf);
     auto result = run_tool({"pvcs"});
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "qx25 pvcs: Found PVC for unconfigured link 9, skipped\n");
     EXPECT_EQ(result.out, "LINK  LCN  PKTSIZE1  PKTSIZE2  WINDOW1  WINDOW2\n"
                           "   2  001       128       128        2        2\n"
@@ -461,7 +474,7 @@ TEST_F(ToolLinks, PvcsOfOneLink) {
     write_links();
     tree.write("config/pvcmapconf", pvcmapconf);
     auto result = run_tool({"pvcs", "2"});
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.status, 1); // the circuit of link 9 is dropped
     EXPECT_EQ(result.out, "LINK  LCN  PKTSIZE1  PKTSIZE2  WINDOW1  WINDOW2\n"
                           "   2  001       128       128        2        2\n"
                           "   2  002       256       512        3        4\n");
@@ -471,7 +484,7 @@ TEST_F(ToolLinks, PvcsOfALinkWithoutCircuits) {
     write_links();
     tree.write("config/pvcmapconf", pvcmapconf);
     auto result = run_tool({"pvcs", "1"});
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.status, 1); // the circuit of link 9 is dropped
     EXPECT_EQ(result.out, "no PVCs on link 1\n");
 }
 
@@ -494,10 +507,12 @@ TEST_F(ToolLinks, PvcsOfALinkThatIsNotConfigured) {
 TEST_F(ToolLinks, PvcsUsageErrors) {
     auto result = run_tool({"pvcs", "two"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 pvcs: LINK must be a link number\nusage: qx25 pvcs [LINK]\n");
+    EXPECT_EQ(result.err, "qx25 pvcs: LINK must be a link number from 0 to 254\nqx25 pvcs: usage: "
+                          "qx25 pvcs [LINK]\n");
     result = run_tool({"pvcs", "2", "3"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 pvcs: at most one LINK is taken\nusage: qx25 pvcs [LINK]\n");
+    EXPECT_EQ(result.err,
+              "qx25 pvcs: at most one LINK is taken\nqx25 pvcs: usage: qx25 pvcs [LINK]\n");
 }
 
 // ---- show -------------------------------------------------------------------------
@@ -545,7 +560,8 @@ TEST_F(ToolLinks, ShowPassesOnWhatTheReaderReported) {
     std::string path =
         tree.write("odd.cfg", std::string(lan_link) + "SECTION\tLINK\n\tcolour\tred\n");
     auto result = run_tool({"show", path});
-    EXPECT_EQ(result.status, 0);
+    // Shown, but not as the file says: the exit status tells.
+    EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "qx25 show: Unknown LINK Keyword <colour>, skipped\n");
     EXPECT_TRUE(has_line(result.out, "\talias\t\tsitelan")) << result.out;
 }
@@ -556,13 +572,14 @@ TEST_F(ToolLinks, ShowOfALinkThatDoesNotExist) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "qx25 show: Error opening file " + tree.config_dir() +
-                              "/config/link_config_0007.cfg\n");
+                              "/config/link_config_0007.cfg: No such file or directory\n");
 }
 
 TEST_F(ToolLinks, ShowNeedsOneLinkOrFile) {
     auto result = run_tool({"show"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 show: one LINK or FILE is needed\nusage: qx25 show LINK|FILE\n");
+    EXPECT_EQ(result.err,
+              "qx25 show: one LINK or FILE is needed\nqx25 show: usage: qx25 show LINK|FILE\n");
     result = run_tool({"show", "123456"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "qx25 show: '123456' names no link file\n");
@@ -700,7 +717,7 @@ TEST_F(ToolLinks, SetRefusesAValueThatMakesTheFileReadWithAProblem) {
 
 TEST_F(ToolLinks, SetRefusesAnUnknownKeywordSectionOrValue) {
     write_links();
-    const std::string usage = "usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n";
+    const std::string usage = "qx25 set: usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n";
     auto keyword = run_tool({"set", "2", "lapb", "colour", "red"});
     EXPECT_EQ(keyword.status, 2);
     EXPECT_EQ(keyword.err, "qx25 set: 'colour' is not a keyword of LAPB\n" + usage);
@@ -826,35 +843,40 @@ TEST_F(ToolLinks, SetOfAFileTheLibraryCannotRead) {
     EXPECT_EQ(read_file(wan_path), headless);
 }
 
-TEST_F(ToolLinks, SetWritesNothingWhenThePreviousFileCannotBeKept) {
+TEST_F(ToolLinks, SetPassesOverABackupNameThatIsTaken) {
     write_links();
-    // A directory where the backup would go.
+    // A directory where the first backup would go: it is left alone.
     std::filesystem::create_directories(wan_path + ".BAK/occupied");
     auto result = run_tool({"set", "2", "lapb", "n2_count", "5"});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "");
-    std::string start = "qx25 set: link 2 not changed: cannot rename " + tree.config_dir() +
-                        "/config/.link_config_0002.cfg.bak.";
-    std::string end = " to " + wan_path + ".BAK: Is a directory\n";
-    EXPECT_TRUE(result.err.starts_with(start) && result.err.ends_with(end) &&
-                result.err.size() == start.size() + 6 + end.size())
-        << result.err;
-    EXPECT_EQ(read_file(wan_path), wan_link);
-    // No file of the attempt is left behind.
-    int files = 0;
-    for (const auto &entry : std::filesystem::directory_iterator(tree.config_dir() + "/config"))
-        files += entry.is_regular_file();
-    EXPECT_EQ(files, 4);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, "link 2: LAPB n2_count 10 -> 5 (line 23); previous file kept as " +
+                              wan_path + ".BAK.1\n");
+    EXPECT_EQ(read_file(wan_path + ".BAK.1"), wan_link);
+    EXPECT_TRUE(std::filesystem::is_directory(wan_path + ".BAK/occupied"));
 }
 
-TEST_F(ToolLinks, SetOverwritesAnOlderBackup) {
+TEST_F(ToolLinks, SetKeepsTheOriginalAndTheTenNewestNumberedBackups) {
     write_links();
-    tree.write("config/config/link_config_0002.cfg.BAK", "older\n");
-    ASSERT_EQ(run_tool({"set", "2", "lapb", "n2_count", "5"}).status, 0);
+    std::vector<std::string> texts{wan_link}; // the file after each edit
+    for (int edit = 1; edit <= 12; ++edit) {
+        std::string value = std::to_string(10 + edit);
+        auto result = run_tool({"set", "2", "lapb", "n2_count", value});
+        ASSERT_EQ(result.status, 0) << result.err;
+        std::string backup =
+            edit == 1 ? wan_path + ".BAK" : wan_path + ".BAK." + std::to_string(edit - 1);
+        EXPECT_EQ(result.out, "link 2: LAPB n2_count " + std::to_string(edit == 1 ? 10 : 9 + edit) +
+                                  " -> " + value + " (line 23); previous file kept as " + backup +
+                                  "\n");
+        texts.push_back(read_file(wan_path));
+    }
+    // The original is never lost; of the numbered backups the ten newest stay.
     EXPECT_EQ(read_file(wan_path + ".BAK"), wan_link);
-    std::string first = read_file(wan_path);
-    ASSERT_EQ(run_tool({"set", "2", "lapb", "n2_count", "6"}).status, 0);
-    EXPECT_EQ(read_file(wan_path + ".BAK"), first);
+    EXPECT_FALSE(std::filesystem::exists(wan_path + ".BAK.1"));
+    for (int number = 2; number <= 11; ++number)
+        EXPECT_EQ(read_file(wan_path + ".BAK." + std::to_string(number)), texts[number]) << number;
+    EXPECT_FALSE(std::filesystem::exists(wan_path + ".BAK.12"));
+    EXPECT_EQ(texts[12], replaced(wan_link, "n2_count\t10", "n2_count\t22"));
 }
 
 TEST_F(ToolLinks, SetKeepsTheModeOfTheFile) {
@@ -869,7 +891,7 @@ TEST_F(ToolLinks, SetKeepsTheModeOfTheFile) {
 }
 
 TEST_F(ToolLinks, SetNeedsALinkNumberAndFourArguments) {
-    const std::string usage = "usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n";
+    const std::string usage = "qx25 set: usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n";
     auto few = run_tool({"set", "2", "lapb", "n2_count"});
     EXPECT_EQ(few.status, 2);
     EXPECT_EQ(few.err, "qx25 set: LINK, SECTION, KEYWORD and VALUE are needed\n" + usage);

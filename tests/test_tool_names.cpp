@@ -57,7 +57,7 @@ TEST_F(NameTool, HostNotFoundAndWrongCalls) {
     result = run_tool({"host"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "qx25 host: one NAME or ADDRESS is taken\n"
-                          "usage: qx25 host NAME|ADDRESS\n");
+                          "qx25 host: usage: qx25 host NAME|ADDRESS\n");
 }
 
 TEST_F(NameTool, Hosts) {
@@ -132,7 +132,8 @@ TEST_F(NameTool, PadErrors) {
     EXPECT_EQ(result.err, "qx25 pad: no entry for 2.1 in " + config("padmapconf") + "\n");
     result = run_tool({"pad", "2.G"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 pad: invalid X.25 address '2.G'\nusage: qx25 pad [ADDRESS]\n");
+    EXPECT_EQ(result.err,
+              "qx25 pad: invalid X.25 address '2.G'\nqx25 pad: usage: qx25 pad [ADDRESS]\n");
     std::remove(config("padmapconf").c_str());
     result = run_tool({"pad"});
     EXPECT_EQ(result.status, 0);
@@ -159,18 +160,19 @@ TEST_F(NameTool, ProfileErrors) {
     EXPECT_EQ(result.err, "qx25 profile: no profile for 2.1 in " + config("x29profile") + "\n");
     result = run_tool({"profile"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 profile: one ADDRESS is taken\nusage: qx25 profile ADDRESS\n");
+    EXPECT_EQ(result.err,
+              "qx25 profile: one ADDRESS is taken\nqx25 profile: usage: qx25 profile ADDRESS\n");
 }
 
 TEST_F(NameTool, PpaWrongCalls) {
     auto result = run_tool({"ppa", "elx"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "qx25 ppa: DEVICE and INSTANCE are taken\n"
-                          "usage: qx25 ppa DEVICE INSTANCE\n");
+                          "qx25 ppa: usage: qx25 ppa DEVICE INSTANCE\n");
     result = run_tool({"ppa", "elx", "one"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "qx25 ppa: INSTANCE must be a number\n"
-                          "usage: qx25 ppa DEVICE INSTANCE\n");
+                          "qx25 ppa: usage: qx25 ppa DEVICE INSTANCE\n");
     result = run_tool({"ppa", "elx", "99999999999"});
     EXPECT_EQ(result.status, 2);
 }

@@ -179,7 +179,13 @@ TEST_F(ToolSet, AFileTheReaderCannotOpenIsLeftAlone) {
     write_link(text);
     auto result = run_tool({"set", "2", "lapb", "n2_count", "12"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "qx25 set: Error reading IDENTIFICATION section from file " + path +
+    // One message names the line ends the reader's message says nothing of.
+    EXPECT_EQ(result.err, "qx25 set: " + path +
+                              ": the file has CRLF line ends (a carriage return before the "
+                              "newline) on 24 lines: the reader takes each carriage return as a "
+                              "part of the line\n"
+                              "qx25 set: Error reading IDENTIFICATION section from file " +
+                              path +
                               ", line 3\n"
                               "qx25 set: link 2 not changed\n");
     EXPECT_EQ(read_file(path), text);
@@ -264,11 +270,12 @@ TEST_F(ToolSet, ASymbolicLinkStaysOne) {
 TEST_F(ToolSet, DiffNeedsOneLinkOrFile) {
     auto none = run_tool({"diff"});
     EXPECT_EQ(none.status, 2);
-    EXPECT_EQ(none.err, "qx25 diff: one LINK or FILE is needed\nusage: qx25 diff LINK|FILE\n");
+    EXPECT_EQ(none.err,
+              "qx25 diff: one LINK or FILE is needed\nqx25 diff: usage: qx25 diff LINK|FILE\n");
     auto missing = run_tool({"diff", "7"});
     EXPECT_EQ(missing.status, 1);
-    EXPECT_EQ(missing.err,
-              "qx25 diff: Error opening file " + directory + "/link_config_0007.cfg\n");
+    EXPECT_EQ(missing.err, "qx25 diff: Error opening file " + directory +
+                               "/link_config_0007.cfg: No such file or directory\n");
     auto far = run_tool({"diff", "123456"});
     EXPECT_EQ(far.status, 1);
     EXPECT_EQ(far.err, "qx25 diff: '123456' names no link file\n");
@@ -327,9 +334,14 @@ TEST_P(ToolSetFailure, LeavesTheFileAndTheBackupWhole) {
     EXPECT_EQ(general(result.err),
               std::string("qx25 set: link 2 not changed: ") + c.message + "\n");
     EXPECT_EQ(read_file(path), leased_line);
-    EXPECT_EQ(read_file(path + ".BAK"), c.backup_made ? leased_line : "older\n");
-    EXPECT_EQ(names_in(directory),
-              (std::vector<std::string>{"link_config_0002.cfg", "link_config_0002.cfg.BAK"}));
+    // The first backup is never touched; this edit's is the next number.
+    EXPECT_EQ(read_file(path + ".BAK"), "older\n");
+    std::vector<std::string> names{"link_config_0002.cfg", "link_config_0002.cfg.BAK"};
+    if (c.backup_made) {
+        EXPECT_EQ(read_file(path + ".BAK.1"), leased_line);
+        names.push_back("link_config_0002.cfg.BAK.1");
+    }
+    EXPECT_EQ(names_in(directory), names);
 }
 
 const failure_case failures[] = {
@@ -351,8 +363,8 @@ const failure_case failures[] = {
      "cannot write DIR/.link_config_0002.cfg.bak.XXXXXX: Disk quota exceeded", false},
     {"SyncingTheBackup", "fsync", "/.link_config_0002.cfg.bak.*", EIO,
      "cannot sync DIR/.link_config_0002.cfg.bak.XXXXXX: Input/output error", false},
-    {"RenamingTheBackup", "rename", "/link_config_0002.cfg.BAK", EROFS,
-     "cannot rename DIR/.link_config_0002.cfg.bak.XXXXXX to DIR/link_config_0002.cfg.BAK: "
+    {"RenamingTheBackup", "rename", "/link_config_0002.cfg.BAK.1", EROFS,
+     "cannot rename DIR/.link_config_0002.cfg.bak.XXXXXX to DIR/link_config_0002.cfg.BAK.1: "
      "Read-only file system",
      false},
     {"RenamingTheNewFile", "rename", "/link_config_0002.cfg", EXDEV,

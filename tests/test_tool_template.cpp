@@ -76,8 +76,10 @@ const char *const lapb_listing = "LINE  KEYWORD            VALUE\n"
                                  "  16  no_dm_adm          N\n"
                                  "  17  sabm_in_x32        N\n";
 
+// A driver message of three lines, as the tool shows it: each line named.
 std::string hint(const std::string &first_line, const std::string &error_text) {
-    return first_line + "\n" + error_text + "\nX.25 may not be running.\n";
+    return first_line + "\nqx25 template: " + error_text +
+           "\nqx25 template: X.25 may not be running.\n";
 }
 
 // ---- save ------------------------------------------------------------------------------
@@ -168,7 +170,7 @@ TEST_F(ToolTemplate, SaveOfAMissingLink) {
     EXPECT_EQ(result.status, 1);
     std::string path = tree.config_dir() + "/config/link_config_0009.cfg";
     EXPECT_EQ(result.err, "qx25 template: Error opening file " + path +
-                              "\n"
+                              ": No such file or directory\n"
                               "qx25 template: " +
                               path + " has problems (see qx25 check): nothing done\n");
 }
@@ -180,7 +182,7 @@ TEST_F(ToolTemplate, SaveTellsWhenTheTemplateReaderRefusesWhatWasWritten) {
     auto result = run_tool({"template", "save", "2", "x25"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "qx25 template: The value 4 on line 72\nis out of range\n"
+    EXPECT_EQ(result.err, "qx25 template: The value 4 on line 72\nqx25 template: is out of range\n"
                           "qx25 template: " +
                               template_path("LINK002_working.x25") +
                               " was written, but the template reader refuses it\n");
@@ -237,7 +239,8 @@ TEST_F(ToolTemplate, ShowOfABadFile) {
     auto result = run_tool({"template", "show", "2", "x25"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "qx25 template: The value 85 on line 2\nis out of range\n");
+    EXPECT_EQ(result.err,
+              "qx25 template: The value 85 on line 2\nqx25 template: is out of range\n");
 }
 
 // ---- put and get -----------------------------------------------------------------------
@@ -246,12 +249,12 @@ TEST_F(ToolTemplate, PutWithoutADriver) {
     auto result = run_tool({"template", "put", "2", "x25"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "qx25 template: unable to open /dev/x25\nNo such file or directory\n"
-                          "X.25 may not be running.\n");
+    EXPECT_EQ(result.err,
+              "qx25 template: " + hint("unable to open /dev/x25", "No such file or directory"));
     auto get = run_tool({"template", "get", "1", "llc2"});
     EXPECT_EQ(get.status, 1);
-    EXPECT_EQ(get.err, "qx25 template: unable to open /dev/llc2\nNo such file or directory\n"
-                       "X.25 may not be running.\n");
+    EXPECT_EQ(get.err,
+              "qx25 template: " + hint("unable to open /dev/llc2", "No such file or directory"));
 }
 
 TEST_F(ToolTemplate, PutThenGetThroughTheFakeDriver) {
@@ -323,7 +326,7 @@ TEST_F(ToolTemplate, TheWanLayerHasNoDriver) {
 // ---- Arguments -------------------------------------------------------------------------
 
 TEST_F(ToolTemplate, WrongCalls) {
-    const std::string usage = "usage: qx25 template save|show|put|get LINK LAYER\n";
+    const std::string usage = "qx25 template: usage: qx25 template save|show|put|get LINK LAYER\n";
     struct call {
         std::vector<std::string> args;
         std::string complaint;

@@ -21,12 +21,15 @@ test -f "$libdir/cmake/qx25/qx25Config.cmake"
 test -f "$libdir/locale/C/LC_MESSAGES/libqx25messages.cat"
 test -f "$libdir/locale/fr_FR.UTF-8/LC_MESSAGES/libqx25messages.cat"
 test -x "$prefix/bin/qx25"
+datadir=$prefix/$(basename "$libdir")
+cmp "$source_dir/../../examples/lib/world_networks.profile" "$datadir/world_networks.profile"
 
 export PKG_CONFIG_PATH=$libdir/pkgconfig
 # shellcheck disable=SC2046,SC2086
 "$cc" -std=c99 -Wall -Wextra -Werror $extra_flags -o "$scratch/by_pkgconfig" \
     "$source_dir/use_qx25.c" $(pkg-config --cflags --libs qx25)
-LD_LIBRARY_PATH=$libdir "$scratch/by_pkgconfig"
+# It runs as it is: the link line names the library's directory.
+env -u LD_LIBRARY_PATH "$scratch/by_pkgconfig"
 
 mkdir "$scratch/project"
 "$cmake" -S "$source_dir/project" -B "$scratch/project" -G Ninja \
@@ -35,6 +38,9 @@ mkdir "$scratch/project"
 "$cmake" --build "$scratch/project" > "$scratch/build.log"
 "$scratch/project/use_qx25"
 
-# The installed tool finds its library by itself.
+# The installed tool finds its library by itself, and the networks in the
+# library data directory.
 "$prefix/bin/qx25" addr 3.23421234567 > /dev/null
+X25LIBFILES=$datadir "$prefix/bin/qx25" networks > "$scratch/networks"
+grep -q '^    10  PSS  ' "$scratch/networks"
 echo "installed tree builds and runs C programs"

@@ -2,6 +2,7 @@
 
 #include "config_tree.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -9,11 +10,12 @@
 
 namespace qx25test {
 
-tool_result run_tool(const std::vector<std::string> &args) {
-    return run_program(QX25_TOOL, args);
+tool_result run_tool(const std::vector<std::string> &args, unsigned time_limit) {
+    return run_program(QX25_TOOL, args, time_limit);
 }
 
-tool_result run_program(const std::string &program, const std::vector<std::string> &args) {
+tool_result run_program(const std::string &program, const std::vector<std::string> &args,
+                        unsigned time_limit) {
     char out_path[] = "/tmp/qx25-out-XXXXXX";
     char err_path[] = "/tmp/qx25-err-XXXXXX";
     int out_fd = ::mkstemp(out_path);
@@ -32,6 +34,8 @@ tool_result run_program(const std::string &program, const std::vector<std::strin
         for (std::string &arg : copies)
             argv.push_back(arg.data());
         argv.push_back(nullptr);
+        // The alarm outlives the exec: the program is stopped at the limit.
+        if (time_limit != 0) ::alarm(time_limit);
         ::execv(tool.c_str(), argv.data());
         ::_exit(127);
     }
@@ -42,6 +46,7 @@ tool_result run_program(const std::string &program, const std::vector<std::strin
 
     tool_result result;
     result.status = WIFEXITED(wait_status) ? WEXITSTATUS(wait_status) : -1;
+    result.timed_out = WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGALRM;
     result.out = read_file(out_path);
     result.err = read_file(err_path);
     ::unlink(out_path);

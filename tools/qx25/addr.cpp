@@ -51,12 +51,8 @@ void show(const char *text, const x25_address &address, const char *canonical) {
 
 } // namespace
 
-int run_addr(const command &self, std::span<char *const> args) {
-    unsigned check = 0;
-    if (!args.empty() && std::strcmp(args.front(), "--check") == 0) {
-        check = 1;
-        args = args.subspan(1);
-    }
+int run_addr(const command &self, const arguments &args) {
+    unsigned check = args.given("--check") ? 1 : 0;
     if (args.empty()) return usage_error(self, "no address given");
 
     int status = exit_ok;

@@ -4,6 +4,7 @@
 #include "link_config.h"
 #include "paths.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -23,10 +24,12 @@ const char *kind_name(int type) {
 
 } // namespace
 
-int run_devices(const command &self, std::span<char *const> args) {
+int run_devices(const command &self, const arguments &args) {
     if (!args.empty()) return usage_error(self, "no arguments are taken");
     if (!fill_linktype_struct(__config_linktype)) {
-        complain(self.name, std::string("cannot read ") + qx25::config_dir() + "/boardconf");
+        int error = errno;
+        std::string path = std::string(qx25::config_dir()) + "/boardconf";
+        complain(self.name, "cannot read " + path + ": " + open_failure_reason(path, error));
         return exit_failure;
     }
     if (__config_linktype[0].valid != 1) {

@@ -8,7 +8,7 @@
 
 namespace qx25tool {
 
-int run_diff(const command &self, std::span<char *const> args) {
+int run_diff(const command &self, const arguments &args) {
     std::string path;
     link_records records;
     std::vector<std::string> messages;
@@ -30,7 +30,7 @@ int run_diff(const command &self, std::span<char *const> args) {
         return exit_failure;
     }
     std::cout << unified_diff(text, rewritten, path, path + " (rewritten by the library)");
-    return exit_ok;
+    return messages.empty() ? exit_ok : exit_failure;
 }
 
 } // namespace qx25tool

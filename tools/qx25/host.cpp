@@ -5,9 +5,10 @@
 
 namespace qx25tool {
 
-int run_host(const command &self, std::span<char *const> args) {
+int run_host(const command &self, const arguments &args) {
     if (args.size() != 1) return usage_error(self, "one NAME or ADDRESS is taken");
     const char *wanted = args[0];
+    if (!database_readable(self, "xhosts")) return exit_failure;
     const xhost_entry *host = getxhostbyname(wanted);
     if (host == nullptr) {
         x25_address address;

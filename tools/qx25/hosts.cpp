@@ -5,8 +5,9 @@
 
 namespace qx25tool {
 
-int run_hosts(const command &self, std::span<char *const> args) {
+int run_hosts(const command &self, const arguments &args) {
     if (!args.empty()) return usage_error(self, "no arguments are taken");
+    if (!database_readable(self, "xhosts")) return exit_failure;
     std::vector<std::vector<std::string>> rows;
     setxhostent(0);
     while (const xhost_entry *host = getxhostent())

@@ -264,14 +264,9 @@ void release_inventory_table() {
 
 } // namespace
 
-int run_import(const command &self, std::span<char *const> args) {
-    bool dry = false;
-    for (const char *arg : args) {
-        if (std::strcmp(arg, "--dry-run") == 0 || std::strcmp(arg, "-n") == 0)
-            dry = true;
-        else
-            return usage_error(self, std::string("unknown argument '") + arg + "'");
-    }
+int run_import(const command &self, const arguments &args) {
+    if (!args.empty()) return usage_error(self, "no arguments are taken");
+    bool dry = args.given("--dry-run");
 
     collect_messages();
     // The writer names devices through the reader's device table; filling

@@ -225,7 +225,7 @@ void print_pvcs(const link_node *head) {
 
 } // namespace
 
-int run_inventory(const command &self, std::span<char *const> args) {
+int run_inventory(const command &self, const arguments &args) {
     if (!args.empty()) return usage_error(self, "no arguments are taken");
     collect_messages();
     if (!fill_linktype_struct(__config_linktype)) {

@@ -1,6 +1,7 @@
 #include "keyword_edit.h"
 
 #include "link_text.h"
+#include "reader_position.h"
 #include "scratch_file.h"
 
 #include "link_config.h"
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <strings.h>
@@ -26,86 +28,11 @@ bool same_word(std::string_view a, std::string_view b) {
     return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
-const config_keyword *keywords_of(int section) {
-    switch (section) {
-    case SECTION_LINK:
-        return __LINK_functions;
-    case SECTION_X25:
-        return __X25_functions;
-    case SECTION_LLC2:
-        return __LLC2_functions;
-    case SECTION_LAPB:
-        return __LAPB_functions;
-    case SECTION_WAN:
-        return __WAN_functions;
-    default:
-        return __MLP_functions;
-    }
+// Whether keyword lines now go to the target's record.
+bool at(const reader_position &position, const edit_target &target) {
+    if (position.section() != target.section) return false;
+    return position.subsection() == target.subsection && position.position() == target.position;
 }
-
-std::string upper(std::string_view word) {
-    std::string text(word);
-    for (char &c : text)
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return text;
-}
-
-// The section code of a SECTION line's value as the reader finds it: the
-// name without the blanks and tabs after it, in any case; 0 for none.
-int section_code(std::string_view name) {
-    while (!name.empty() && (name.back() == ' ' || name.back() == '\t'))
-        name.remove_suffix(1);
-    for (const config_keyword *row = section_map; row->name != nullptr; ++row)
-        if (same_word(row->name, name)) return row->index;
-    return 0;
-}
-
-// Which record the reader gives the keyword lines that follow the lines read
-// so far, with every record given: it follows SECTION, SUBSECTION and
-// IDENTIFICATION lines as the reader does.
-class reader_position {
-  public:
-    void follow(const config_line &line) {
-        switch (line.kind) {
-        case CONFIG_LINE_IDENTIFICATION:
-            section_ = 0;
-            break;
-        case CONFIG_LINE_SECTION:
-            section_ = section_code(line.value);
-            if (section_ == SECTION_MLP) lapb_count_ = wan_count_ = subsection_ = 0;
-            break;
-        case CONFIG_LINE_SUBSECTION:
-            if (section_ != SECTION_MLP) {
-                section_ = 0;
-                break;
-            }
-            subsection_ = section_code(line.value);
-            // A sixth subsection of a kind stands for the fifth again.
-            if (subsection_ == SECTION_LAPB && lapb_count_ < MLP_MAX_SUBSECTIONS) ++lapb_count_;
-            if (subsection_ == SECTION_WAN && wan_count_ < MLP_MAX_SUBSECTIONS) ++wan_count_;
-            if (subsection_ != SECTION_LAPB && subsection_ != SECTION_WAN) subsection_ = 0;
-            break;
-        default:
-            break;
-        }
-    }
-
-    // Whether keyword lines now go to the target's record.
-    bool at(const edit_target &target) const {
-        if (section_ != target.section) return false;
-        if (section_ != SECTION_MLP) return true;
-        int position = subsection_ == SECTION_LAPB  ? lapb_count_ - 1
-                       : subsection_ == SECTION_WAN ? wan_count_ - 1
-                                                    : 0;
-        return subsection_ == target.subsection && position == target.position;
-    }
-
-  private:
-    int section_ = 0;
-    int subsection_ = 0;
-    int lapb_count_ = 0;
-    int wan_count_ = 0;
-};
 
 // Where the target's lines stand in a file.
 struct location {
@@ -129,7 +56,7 @@ location locate(const std::string &path, const link_text &text, const edit_targe
         if (x25_read_config_line(stream, &line) != 0) break;
         position.follow(line);
         std::optional<std::size_t> index = text.line_of_count(line.line_no);
-        if (!index || !position.at(target)) continue;
+        if (!index || !at(position, target)) continue;
         found.anchor = index;
         found.anchor_is_keyword_line = line.kind == CONFIG_LINE_KEYWORD;
         if (line.kind == CONFIG_LINE_KEYWORD && strcasecmp(line.keyword, keyword) == 0) {
@@ -139,15 +66,6 @@ location locate(const std::string &path, const link_text &text, const edit_targe
     }
     std::fclose(stream);
     return found;
-}
-
-std::vector<std::string> with_name(std::vector<std::string> messages, const std::string &from,
-                                   std::string_view to) {
-    for (std::string &message : messages)
-        for (std::size_t at = message.find(from); !from.empty() && at != std::string::npos;
-             at = message.find(from, at + to.size()))
-            message.replace(at, from.size(), to);
-    return messages;
 }
 
 // The reader loads defaults into a record whose marker field is 0, taking
@@ -272,6 +190,75 @@ std::size_t place_value(const link_text &lines, const location &where, const cha
     return index;
 }
 
+// The value of the keyword as the library's writer writes the records;
+// nullopt when it writes no line for it.
+std::optional<std::string> written_value(link_records &records, const edit_target &target,
+                                         const char *keyword, scratch_file &file) {
+    // The writer stamps the identification it writes: the records keep theirs.
+    config_identification ids = records.config.ids;
+    std::string text;
+    int result = records.write_text(text);
+    records.config.ids = ids;
+    take_messages();
+    if (result != 0 || !file.hold(text)) return std::nullopt;
+    link_text lines{text};
+    location where = locate(file.path(), lines, target, keyword);
+    take_messages();
+    if (!where.line) return std::nullopt;
+    return where.value;
+}
+
+// A decimal number: digits, and a point and digits after them.
+bool is_decimal(std::string_view text) {
+    std::size_t digits = text.find_first_not_of("0123456789");
+    if (digits == 0 || text.empty()) return false;
+    if (digits == std::string_view::npos) return true;
+    std::string_view fraction = text.substr(digits);
+    return fraction.size() > 1 && fraction.front() == '.' &&
+           fraction.find_first_not_of("0123456789", 1) == std::string_view::npos;
+}
+
+// Keywords whose value is a name that a number may stand for.
+constexpr const char *named_by_number[] = {"network"};
+
+// Why the value is not wholly a value of the keyword, or nullopt: the
+// reader bends a value it does not take whole (it reads "abc" as 0.0 and
+// "4.5 extra words" as 4.5). The writer's form of what the reader made of
+// the value must be the value itself: the same word in any case, or the same
+// number.
+std::optional<std::string> bent_value(std::string_view value, std::string_view written,
+                                      const char *keyword) {
+    // The writer may leave blanks after a value: they are no part of it.
+    while (!written.empty() && (written.back() == ' ' || written.back() == '\t'))
+        written.remove_suffix(1);
+    if (same_word(value, written)) return std::nullopt;
+    if (is_decimal(written) && is_decimal(value) &&
+        std::strtod(std::string(value).c_str(), nullptr) ==
+            std::strtod(std::string(written).c_str(), nullptr))
+        return std::nullopt;
+    if (!is_decimal(written) && is_decimal(value) && value.find('.') == std::string_view::npos)
+        for (const char *name : named_by_number)
+            if (strcasecmp(name, keyword) == 0) return std::nullopt;
+    return "'" + std::string(value) + "' is not a value of " + keyword +
+           ": the reader would take it as " + std::string(written);
+}
+
+// Why the value is not wholly a value of the keyword, read into the records
+// of the file's text; nullopt when it is, or when the writer writes no line
+// for the keyword to compare it with.
+std::optional<std::string> bent_for(std::string_view text, const edit_target &target,
+                                    const char *keyword, std::string_view value) {
+    scratch_file original, file;
+    if (!original.hold(text)) return std::nullopt;
+    link_records records;
+    collect_messages();
+    records.read(original.path().c_str());
+    take_messages();
+    apply_value(records, target, keyword, value, file);
+    std::optional<std::string> written = written_value(records, target, keyword, file);
+    return written ? bent_value(value, *written, keyword) : std::nullopt;
+}
+
 keyword_edit refused(std::string reason) {
     keyword_edit edit;
     edit.reason = std::move(reason);
@@ -353,7 +340,7 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
     link_records records;
     collect_messages();
     int result = records.read(path.c_str());
-    std::vector<std::string> file_messages = with_name(take_messages(), path, file_name);
+    std::vector<std::string> file_messages = renamed(take_messages(), path, file_name);
     if (result != 0) {
         if (file_messages.empty())
             file_messages.push_back(std::string(file_name) + ": " + std::strerror(result));
@@ -382,6 +369,8 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
         if (!taken_though_unchanged(records, before, target, keyword, value, applied))
             return refused("the reader passes over '" + std::string(value) + "' for " + keyword +
                            " (out of range, not valid, or of no effect on this link)");
+        if (std::optional<std::string> bent = bent_for(text, target, keyword, value))
+            return refused(*bent);
         edit.outcome = edit_outcome::unchanged;
         return edit;
     }
@@ -396,7 +385,7 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
     // The new text as the library reads it.
     if (!original.hold(edit.new_text)) return refused(scratch_failure());
     reading now = read_link_file(path);
-    now.messages = with_name(now.messages, path, file_name);
+    now.messages = renamed(now.messages, path, file_name);
     if (now.result != 0) return refused(now.messages);
     if (std::vector<std::string> added = new_messages(file_messages, now.messages); !added.empty())
         return refused(added);
@@ -426,6 +415,8 @@ keyword_edit plan_keyword_edit(std::string_view text, std::string_view file_name
         return refused("the new value would change more of what the library reads from the "
                        "file (" +
                        *stray + ")");
+    if (std::optional<std::string> bent = bent_for(text, target, keyword, value))
+        return refused(*bent);
     edit.outcome = edit_outcome::changed;
     edit.expected = std::move(now.parts);
     edit.expected_messages = std::move(now.messages);

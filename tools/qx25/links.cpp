@@ -1,15 +1,20 @@
 // qx25 links: the links link discovery finds, one a line.
 #include "command.h"
+#include "device_use.h"
 #include "release.h"
 
 #include "link_config.h"
 #include "paths.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 #include <string>
 #include <vector>
+
+namespace fs = std::filesystem;
 
 namespace qx25tool {
 
@@ -86,11 +91,9 @@ std::string devices_of(const link_values &link) {
     std::string text;
     int count = link.device_count < LINK_MAX_DEVICES ? link.device_count : LINK_MAX_DEVICES;
     for (int i = 0; i < count; ++i) {
-        char name[sizeof __config_linktype[0].device];
-        int instance = 0;
-        if (x25_device_instance(&link, i, name, &instance) != 0) continue;
-        if (!text.empty()) text += ',';
-        text += name + std::to_string(instance);
+        std::string name = device_name(link, i);
+        if (name == "?") continue;
+        text += (text.empty() ? "" : ",") + name;
     }
     return text.empty() ? "-" : text;
 }
@@ -121,17 +124,55 @@ void release_device_comments() {
 
 } // namespace
 
+std::vector<std::pair<int, std::string>> link_files() {
+    std::vector<std::pair<int, std::string>> files;
+    std::error_code error;
+    for (const fs::directory_entry &entry :
+         fs::directory_iterator(std::string(qx25::config_dir()) + "/config", error)) {
+        std::string name = entry.path().filename().string();
+        if (int number = valid_filename(name.c_str()); number >= 0)
+            files.emplace_back(number, std::move(name));
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
 link_node *discover_links(const command &self, bool *failed) {
     collect_messages();
     link_node *head = nullptr;
     int result = x25_find_link_parameters(&head);
     std::vector<std::string> messages = take_messages();
     complain_all(self.name, messages);
-    *failed = result != 0;
+    // A link file the reader could not read, or one that names a device of
+    // another link, is reported and left out: the list is not the whole
+    // configuration, and the command fails after showing what it has.
+    *failed = result != 0 || !messages.empty();
     if (result != 0 && messages.empty()) complain(self.name, std::strerror(result));
     if (result != 0) {
         release_links(head);
         return nullptr;
+    }
+    // A missing pvcmapconf means no PVCs; one that is there but cannot be
+    // read is passed over by the library without a word.
+    if (std::string unreadable =
+            unreadable_file(std::string(qx25::config_dir()) + "/pvcmapconf", true);
+        !unreadable.empty()) {
+        complain(self.name, unreadable);
+        *failed = true;
+    }
+    for (const auto &[number, name] : link_files()) {
+        const link_node *node = head;
+        while (node != nullptr && node->link.values.subnet.address.snid != unsigned(number))
+            node = node->next;
+        std::string path = std::string(qx25::config_dir()) + "/config/" + name;
+        if (node == nullptr) {
+            complain(self.name, path + " is left out");
+            *failed = true;
+        } else if (number > 254) {
+            complain(self.name,
+                     path + ": link number " + std::to_string(number) + " is outside 0..254");
+            *failed = true;
+        }
     }
     return head;
 }
@@ -147,15 +188,13 @@ void release_links(link_node *head) {
     release_device_comments();
 }
 
-int run_links(const command &self, std::span<char *const> args) {
+int run_links(const command &self, const arguments &args) {
     if (!args.empty()) return usage_error(self, "no arguments are taken");
     bool failed = false;
     link_node *head = discover_links(self, &failed);
-    if (failed) return exit_failure;
     if (head == nullptr) {
-        std::cout << "no links in " << qx25::config_dir() << "/config\n";
-        release_links(head);
-        return exit_ok;
+        if (!failed) std::cout << "no links in " << qx25::config_dir() << "/config\n";
+        return failed ? exit_failure : exit_ok;
     }
 
     constexpr column columns[] = {
@@ -175,7 +214,7 @@ int run_links(const command &self, std::span<char *const> args) {
     }
     print_table(columns, rows);
     release_links(head);
-    return exit_ok;
+    return failed ? exit_failure : exit_ok;
 }
 
 } // namespace qx25tool

@@ -1,11 +1,7 @@
 // qx25: administration tool of the Quenlark X.25 configuration library.
 #include "command.h"
 
-#include "qx25.h"
-
 #include <clocale>
-#include <cstring>
-#include <iostream>
 
 namespace qx25tool {
 
@@ -16,17 +12,24 @@ constexpr command command_table[] = {
      "Parses each ADDRESS and prints its subnetwork, DTE digits, extension and\n"
      "canonical text form.\n\n"
      "  --check   apply the address class of the link the subnetwork names\n",
-     run_addr},
-    {"ident", "FILE", "show the IDENTIFICATION block of a configuration file",
-     "Opens the link configuration FILE, checks its IDENTIFICATION block and\n"
-     "prints its fields and the comments before it.\n",
+     run_addr, "--check"},
+    {"ident", "LINK|FILE", "show the IDENTIFICATION block of a configuration file",
+     "Opens a link configuration, given by link number or by file name as for\n"
+     "check, checks its IDENTIFICATION block and prints its fields and the\n"
+     "comments before it.\n",
      run_ident},
-    {"check", "LINK|FILE...", "read link configurations and show every problem",
-     "Reads each link configuration, given by link number (3 reads\n"
-     "config/link_config_0003.cfg) or by file name, and prints every message\n"
-     "the reader produced, prefixed by the file name, or \"ok\". A file name\n"
-     "that does not begin with /, ./ or ../ is looked up in $X25CONFIGFILES/config.\n"
-     "The exit status is 1 when any file had a message.\n",
+    {"check", "[LINK|FILE...]", "check the configuration tree or link files",
+     "Without arguments, checks every file of the configuration tree: each link\n"
+     "file, boardconf, pvcmapconf and world_networks.profile, and the links\n"
+     "against each other (a device or an alias used twice). With arguments,\n"
+     "checks each link configuration, given by link number (3 reads\n"
+     "config/link_config_0003.cfg) or by file name; a file name that does not\n"
+     "begin with /, ./ or ../ is looked up in $X25CONFIGFILES/config.\n\n"
+     "Prints each finding as FILE:LINE: text (FILE: text for the file as a\n"
+     "whole): what the library reports, and what it passes over, cuts or drops\n"
+     "without a word (unknown keywords, long lines, long comment blocks, CRLF\n"
+     "line ends, values it bends). A file without findings is FILE: ok. The exit\n"
+     "status is 0 only when nothing was found.\n",
      run_check},
     {"devices", "", "show the device type table read from boardconf",
      "Reads $X25CONFIGFILES/boardconf and prints its device kinds: row, symbolic\n"
@@ -42,12 +45,14 @@ constexpr command command_table[] = {
      "link, in link order: number, alias, type, X.25 version, frame protocol,\n"
      "DTE or DCE side, devices, full address, number of PVCs and description.\n"
      "A file that cannot be read, or that names a device another link uses, is\n"
-     "reported and left out.\n",
+     "reported and left out; the exit status is then 1.\n",
      run_links},
     {"pvcs", "[LINK]", "list the permanent virtual circuits of the links",
      "Prints the PVCs that $X25CONFIGFILES/pvcmapconf gives the configured links,\n"
      "or those of link number LINK: link, logical channel number (hexadecimal),\n"
-     "the two packet sizes in bytes and the two window sizes.\n",
+     "the two packet sizes in bytes and the two window sizes. The exit status is\n"
+     "1 when a link file was left out (see links) or the library reported a\n"
+     "problem.\n",
      run_pvcs},
     {"show", "LINK|FILE", "print a link configuration as the library writes it",
      "Reads a link configuration, given by link number or by file name as for\n"
@@ -62,13 +67,17 @@ constexpr command command_table[] = {
      "link, x25, llc2, lapb, wan or mlp, or lapb1 to lapb5 and wan1 to wan5 for the\n"
      "subsections of SECTION MLP in file order.\n\n"
      "The VALUE is read by the library as from the file; nothing is written when\n"
-     "it reports a problem with it or passes over it, or when the file holds the\n"
-     "value already. The new file must read as the old one with that value and no\n"
-     "other change. It replaces the old one atomically, which is kept as\n"
-     "FILE.BAK, and is read back; when it does not read as planned the previous\n"
-     "file is put back.\n\n"
+     "it reports a problem with it or passes over it, when it is not wholly a\n"
+     "value of the keyword (the library would read it as another), when the\n"
+     "link would name a device another link uses, or when the file holds the\n"
+     "value already. The new file must read as the old one with that value and\n"
+     "no other change. It replaces the old one atomically and is read back; when\n"
+     "it does not read as planned the previous file is put back.\n\n"
+     "The first change keeps the file as it was as FILE.BAK, which is never\n"
+     "touched again; each later change keeps the previous file as FILE.BAK.1,\n"
+     "FILE.BAK.2, ..., and the 10 newest of these numbered backups are kept.\n\n"
      "  --dry-run   print the change as a unified diff and write nothing\n",
-     run_set},
+     run_set, "--dry-run"},
     {"diff", "LINK|FILE", "show what a rewrite by the library would change",
      "Reads a link configuration, given as for show, and prints as a unified diff\n"
      "how the file that the library would write for it (see show) differs from\n"
@@ -141,22 +150,8 @@ constexpr command command_table[] = {
      "is put back as it was. The exit status is 1 when a line was left out or\n"
      "the import failed.\n\n"
      "  --dry-run   show the files as they would be written; write nothing\n",
-     run_import},
+     run_import, "--dry-run"},
 };
-
-void print_usage(std::ostream &out) {
-    out << "usage: qx25 COMMAND [ARGUMENTS]\n"
-           "       qx25 COMMAND --help\n\n"
-           "Commands:\n";
-    for (const command &cmd : command_table)
-        out << "  " << cmd.name << std::string(10 - cmd.name.size(), ' ') << cmd.summary << '\n';
-    out << "\nFiles are looked up under $X25CONFIGFILES (default /etc/opt/Tarvenco/x25)\n"
-           "and $X25LIBFILES (default /opt/Tarvenco/x25/lib).\n";
-}
-
-void print_command_help(const command &cmd) {
-    std::cout << "usage: qx25 " << cmd.name << ' ' << cmd.synopsis << "\n\n" << cmd.help;
-}
 
 } // namespace
 
@@ -167,33 +162,6 @@ std::span<const command> commands() {
 } // namespace qx25tool
 
 int main(int argc, char **argv) {
-    using namespace qx25tool;
     std::setlocale(LC_ALL, "");
-
-    if (argc < 2) {
-        print_usage(std::cerr);
-        return exit_usage;
-    }
-    std::string_view name = argv[1];
-    if (name == "--help" || name == "-h" || name == "help") {
-        print_usage(std::cout);
-        return exit_ok;
-    }
-    for (const command &cmd : commands()) {
-        if (cmd.name != name) continue;
-        std::span<char *const> args(argv + 2, static_cast<std::size_t>(argc - 2));
-        for (const char *arg : args) {
-            if (std::strcmp(arg, "--help") == 0 || std::strcmp(arg, "-h") == 0) {
-                print_command_help(cmd);
-                return exit_ok;
-            }
-        }
-        x25_cat_open(); // without a catalog the built-in English texts are used
-        int status = cmd.run(cmd, args);
-        x25_cat_close();
-        return status;
-    }
-    std::cerr << "qx25: unknown command '" << name << "'\n";
-    print_usage(std::cerr);
-    return exit_usage;
+    return qx25tool::dispatch(qx25tool::commands(), argc, argv);
 }

@@ -21,4 +21,10 @@ std::string database_file(const char *name) {
     return std::string(qx25::config_dir()) + "/" + name;
 }
 
+bool database_readable(const command &self, const char *name) {
+    std::string unreadable = unreadable_file(database_file(name), true);
+    if (!unreadable.empty()) complain(self.name, unreadable);
+    return unreadable.empty();
+}
+
 } // namespace qx25tool

@@ -7,7 +7,7 @@
 
 namespace qx25tool {
 
-int run_networks(const command &self, std::span<char *const> args) {
+int run_networks(const command &self, const arguments &args) {
     if (!args.empty()) return usage_error(self, "no arguments are taken");
     if (max_profiles == 0) read_profile_file(); // reports through the parse error function
     if (max_profiles == 0) return exit_failure;

@@ -8,16 +8,19 @@ namespace qx25tool {
 
 namespace {
 
-std::vector<std::string> row_of(const pad_entry &entry) {
+std::vector<std::string> row_of(const command &self, const pad_entry &entry) {
     char facilities[256];
-    bool written = padtos(&entry, facilities) == 0; // a refusal is explained on stderr
+    bool written = false;
+    // padtos explains a refusal on standard error itself.
+    with_messages_named(self.name, [&] { written = padtos(&entry, facilities) == 0; });
     return {address_text(entry.address), written ? facilities : "?"};
 }
 
 } // namespace
 
-int run_pad(const command &self, std::span<char *const> args) {
+int run_pad(const command &self, const arguments &args) {
     if (args.size() > 1) return usage_error(self, "at most one ADDRESS is taken");
+    if (!database_readable(self, "padmapconf")) return exit_failure;
     std::vector<std::vector<std::string>> rows;
     if (args.size() == 1) {
         x25_address address;
@@ -29,11 +32,11 @@ int run_pad(const command &self, std::span<char *const> args) {
                      "no entry for " + std::string(args[0]) + " in " + database_file("padmapconf"));
             return exit_failure;
         }
-        rows.push_back(row_of(*entry));
+        rows.push_back(row_of(self, *entry));
     } else {
         setpadent(0);
         while (const pad_entry *entry = getpadent())
-            rows.push_back(row_of(*entry));
+            rows.push_back(row_of(self, *entry));
         endpadent();
         if (rows.empty()) {
             std::cout << "no entries in " << database_file("padmapconf") << '\n';

@@ -7,7 +7,7 @@
 
 namespace qx25tool {
 
-int run_ppa(const command &self, std::span<char *const> args) {
+int run_ppa(const command &self, const arguments &args) {
     if (args.size() != 2) return usage_error(self, "DEVICE and INSTANCE are taken");
     if (!is_number(args[1])) return usage_error(self, "INSTANCE must be a number");
     unsigned long instance = std::strtoul(args[1], nullptr, 10);

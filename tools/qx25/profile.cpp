@@ -22,8 +22,9 @@ std::string kind_text(int kind) {
 
 } // namespace
 
-int run_profile(const command &self, std::span<char *const> args) {
+int run_profile(const command &self, const arguments &args) {
     if (args.size() != 1) return usage_error(self, "one ADDRESS is taken");
+    if (!database_readable(self, "x29profile")) return exit_failure;
     x29_profile profile{};
     if (stox25(args[0], &profile.address, 0) != 0)
         return usage_error(self, "invalid X.25 address '" + std::string(args[0]) + "'");

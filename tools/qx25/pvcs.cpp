@@ -26,24 +26,21 @@ std::string channel(unsigned lcn) {
 
 } // namespace
 
-int run_pvcs(const command &self, std::span<char *const> args) {
+int run_pvcs(const command &self, const arguments &args) {
     if (args.size() > 1) return usage_error(self, "at most one LINK is taken");
     bool one_link = args.size() == 1;
-    unsigned long wanted = 0;
-    if (one_link) {
-        if (!is_number(args[0])) return usage_error(self, "LINK must be a link number");
-        wanted = std::strtoul(args[0], nullptr, 10);
-    }
+    int wanted = one_link ? link_number(args[0]) : 0;
+    if (wanted < 0) return usage_error(self, "LINK must be a link number from 0 to 254");
 
     bool failed = false;
     link_node *head = discover_links(self, &failed);
-    if (failed) return exit_failure;
+    if (head == nullptr && failed) return exit_failure;
 
     std::vector<std::vector<std::string>> rows;
     bool found = false;
     for (const link_node *node = head; node != nullptr; node = node->next) {
         const link_values &link = node->link.values;
-        if (one_link && link.subnet.address.snid != wanted) continue;
+        if (one_link && link.subnet.address.snid != unsigned(wanted)) continue;
         found = true;
         for (const pvc_entry *pvc = link.pvcs; pvc != nullptr; pvc = pvc->next)
             rows.push_back({std::to_string(pvc->link), channel(pvc->lcn),
@@ -61,14 +58,14 @@ int run_pvcs(const command &self, std::span<char *const> args) {
             std::cout << "no PVCs on link " << wanted << '\n';
         else
             std::cout << "no PVCs in " << qx25::config_dir() << "/pvcmapconf\n";
-        return exit_ok;
+        return failed ? exit_failure : exit_ok;
     }
     constexpr column columns[] = {
         {"LINK", true},     {"LCN", true},     {"PKTSIZE1", true},
         {"PKTSIZE2", true}, {"WINDOW1", true}, {"WINDOW2", true},
     };
     print_table(columns, rows);
-    return exit_ok;
+    return failed ? exit_failure : exit_ok;
 }
 
 } // namespace qx25tool

@@ -1,12 +1,17 @@
 // qx25 set: gives one keyword of one section of a link a new value by
 // editing the one line of its file that holds it (or by adding one line),
-// and puts the new file in place atomically, the previous one kept as
-// FILE.BAK. The file is read back afterwards and put back when it does not
-// read as planned.
+// and puts the new file in place atomically, the previous one kept as a
+// numbered backup (backup_names.h). The file is read back afterwards and put
+// back when it does not read as planned.
 #include "atomic_file.h"
+#include "backup_names.h"
 #include "command.h"
+#include "device_use.h"
 #include "keyword_edit.h"
+#include "scratch_file.h"
 #include "unified_diff.h"
+
+#include "link_config.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -18,9 +23,6 @@ namespace qx25tool {
 
 namespace {
 
-// Highest link number a link file written by number can carry.
-constexpr unsigned long last_link_number = 254;
-
 struct set_request {
     bool dry_run = false;
     int link = 0;
@@ -30,16 +32,11 @@ struct set_request {
 };
 
 // The request, or the exit status of a wrong call.
-int parse(const command &self, std::span<char *const> args, set_request &request) {
-    while (!args.empty() && std::strcmp(args[0], "--dry-run") == 0) {
-        request.dry_run = true;
-        args = args.subspan(1);
-    }
+int parse(const command &self, const arguments &args, set_request &request) {
+    request.dry_run = args.given("--dry-run");
     if (args.size() != 4) return usage_error(self, "LINK, SECTION, KEYWORD and VALUE are needed");
-    const char *link = args[0];
-    if (!is_number(link) || std::strtoul(link, nullptr, 10) > last_link_number)
-        return usage_error(self, "LINK must be a link number from 0 to 254");
-    request.link = static_cast<int>(std::strtoul(link, nullptr, 10));
+    request.link = link_number(args[0]);
+    if (request.link < 0) return usage_error(self, "LINK must be a link number from 0 to 254");
     std::optional<edit_target> target = target_named(args[1]);
     if (!target)
         return usage_error(self, std::string("unknown section '") + args[1] +
@@ -76,9 +73,49 @@ std::string read_back(const std::string &name, const keyword_edit &edit) {
     return {};
 }
 
+// The LINK section of a link file's text as the reader takes it; false when
+// it cannot be read.
+bool read_text(std::string_view text, link_records &records) {
+    scratch_file file;
+    if (!file.hold(text)) return false;
+    int result = records.read(file.path().c_str());
+    take_messages(); // the reader's word on the text is the edit's business
+    return result == 0;
+}
+
+// Why the link would drop out of link discovery with the new text, and not
+// with the old one: it would name a device another link uses. Also why that
+// cannot be known. Empty when it would not.
+std::string drops_out(int link, std::string_view old_text, std::string_view new_text) {
+    link_records before, after;
+    if (!read_text(old_text, before) || !read_text(new_text, after)) return {};
+    link_node *head = nullptr;
+    if (int result = x25_find_link_parameters(&head); result != 0) {
+        std::vector<std::string> messages = take_messages();
+        release_links(head);
+        return "the devices of the other links cannot be compared: link discovery fails (" +
+               (messages.empty() ? std::string(std::strerror(result)) : messages.front()) + ")";
+    }
+    take_messages(); // the other links' problems are not this edit's
+    std::string reason;
+    for (const link_node *node = head; node != nullptr && reason.empty(); node = node->next) {
+        const link_values &other = node->link.values;
+        if (other.subnet.address.snid == unsigned(link)) continue;
+        std::optional<std::string> device = shared_device(after.config.link.values, other);
+        if (!device || shared_device(before.config.link.values, other)) continue;
+        std::string name, path;
+        name_link_file(std::to_string(other.subnet.address.snid).c_str(), name, path);
+        reason = "device " + *device + " is used by link " +
+                 std::to_string(other.subnet.address.snid) + " (" + path +
+                 "): link discovery would leave one of the two links out";
+    }
+    release_links(head);
+    return reason;
+}
+
 } // namespace
 
-int run_set(const command &self, std::span<char *const> args) {
+int run_set(const command &self, const arguments &args) {
     set_request request;
     if (int status = parse(self, args, request); status != exit_ok) return status;
     const edit_target &target = request.target;
@@ -98,6 +135,8 @@ int run_set(const command &self, std::span<char *const> args) {
         "link " + std::to_string(request.link) + ": " + target.title + ' ' + request.keyword;
     switch (edit.outcome) {
     case edit_outcome::refused:
+        if (!edit.messages.empty())
+            if (std::string note = crlf_note(path); !note.empty()) complain(self.name, note);
         if (complain_all(self.name, edit.messages))
             complain(self.name, unchanged);
         else
@@ -112,6 +151,10 @@ int run_set(const command &self, std::span<char *const> args) {
     case edit_outcome::changed:
         break;
     }
+    if (std::string reason = drops_out(request.link, text, edit.new_text); !reason.empty()) {
+        complain(self.name, unchanged + ": " + reason);
+        return exit_failure;
+    }
     if (request.dry_run) {
         std::cout << unified_diff(text, edit.new_text, path, path);
         return exit_ok;
@@ -125,7 +168,7 @@ int run_set(const command &self, std::span<char *const> args) {
     }
     // A symbolic link stays one: the file it names is replaced.
     std::string file = real_path(path);
-    std::string backup = file + ".BAK";
+    std::string backup = next_backup_name(file);
     replacement done = replace_file(file, edit.new_text, status, backup, text);
     if (!done.replaced) {
         complain(self.name, unchanged + ": " + done.failure);
@@ -149,6 +192,10 @@ int run_set(const command &self, std::span<char *const> args) {
     if (!done.failure.empty()) {
         // The new file is in place, but may not be on disk yet.
         complain(self.name, done.failure);
+        return exit_failure;
+    }
+    if (std::string failure = prune_backups(file); !failure.empty()) {
+        complain(self.name, failure);
         return exit_failure;
     }
     return exit_ok;

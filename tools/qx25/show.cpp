@@ -45,8 +45,8 @@ bool read_link_text(const std::string &path, std::string &text, struct stat &sta
                     std::string &failure) {
     qx25::file_ptr stream(qx25::open_regular_file(path.c_str()));
     if (stream == nullptr || ::fstat(::fileno(stream.get()), &status) != 0) {
-        const char *reason = std::strerror(errno);
-        failure = path + ": " + reason;
+        int error = errno;
+        failure = path + ": " + open_failure_reason(path, error);
         return false;
     }
     text.clear();
@@ -96,7 +96,7 @@ int link_records::write(FILE *stream) {
         mlp && mlp_x32_held ? mlp_x32 : nullptr);
 }
 
-int read_one_link(const command &self, std::span<char *const> args, std::string &path,
+int read_one_link(const command &self, const arguments &args, std::string &path,
                   link_records &records, std::vector<std::string> &messages) {
     if (args.size() != 1) return usage_error(self, "one LINK or FILE is needed");
     std::string name;
@@ -107,6 +107,11 @@ int read_one_link(const command &self, std::span<char *const> args, std::string 
     collect_messages();
     int result = records.read(name.c_str());
     messages = take_messages();
+    // The reader's messages about a file with CRLF line ends say nothing of
+    // them: one message does.
+    if (!messages.empty())
+        if (std::string note = crlf_note(path); !note.empty())
+            messages.insert(messages.begin(), note);
     if (result != 0) {
         if (!complain_all(self.name, messages))
             complain(self.name, path + ": " + std::strerror(result));
@@ -126,7 +131,7 @@ int link_records::write_text(std::string &text) {
     return result;
 }
 
-int run_show(const command &self, std::span<char *const> args) {
+int run_show(const command &self, const arguments &args) {
     std::string path;
     link_records records;
     std::vector<std::string> messages;
@@ -154,7 +159,8 @@ int run_show(const command &self, std::span<char *const> args) {
         complain(self.name, std::string("cannot write ") + path + ": " + std::strerror(result));
         return exit_failure;
     }
-    return exit_ok;
+    // What the library reported may be missing from what is shown.
+    return messages.empty() ? exit_ok : exit_failure;
 }
 
 } // namespace qx25tool

@@ -6,7 +6,7 @@
 
 namespace qx25tool {
 
-int run_subnets(const command &self, std::span<char *const> args) {
+int run_subnets(const command &self, const arguments &args) {
     if (!args.empty()) return usage_error(self, "no arguments are taken");
     collect_messages(); // link discovery reports the files it cannot use
     std::vector<std::vector<std::string>> rows;
@@ -26,7 +26,7 @@ int run_subnets(const command &self, std::span<char *const> args) {
     constexpr column columns[] = {
         {"SUBNET", true}, {"NAME", false}, {"ADDRESS", false}, {"DESCRIPTION", false}};
     print_table(columns, rows);
-    return exit_ok;
+    return reported ? exit_failure : exit_ok;
 }
 
 } // namespace qx25tool

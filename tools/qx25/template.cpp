@@ -119,11 +119,11 @@ bool parse_target(const command &self, std::span<char *const> args, target &name
         status = usage_error(self, "a link number and a layer are needed");
         return false;
     }
-    if (!is_number(args[0]) || std::strlen(args[0]) > 3 || std::atoi(args[0]) > 254) {
+    named.link = link_number(args[0]);
+    if (named.link < 0) {
         status = usage_error(self, std::string("'") + args[0] + "' is no link number (0..254)");
         return false;
     }
-    named.link = std::atoi(args[0]);
     for (const layer &candidate : layers)
         if (candidate.name == args[1]) named.of = &candidate;
     if (named.of == nullptr) {
@@ -208,7 +208,7 @@ int save(const command &self, const target &named) {
     collect_messages();
     int result = named.of->write_working(record);
     if (result != 0) {
-        complain(self.name, "cannot write " + path + ": " + std::strerror(result));
+        complain(self.name, "cannot write " + path + ": " + open_failure_reason(path, result));
         return exit_failure;
     }
     // What the library wrote must be what its reader takes back.
@@ -231,7 +231,7 @@ int show(const command &self, const target &named) {
     int result = named.of->read_file(path.c_str(), record);
     if (result != 0) {
         if (!complain_all(self.name, take_messages()))
-            complain(self.name, path + ": " + std::strerror(result));
+            complain(self.name, path + ": " + open_failure_reason(path, result));
         return exit_failure;
     }
     return show_record(self, *named.of, record);
@@ -282,7 +282,7 @@ constexpr subcommand subcommands[] = {
 
 } // namespace
 
-int run_template(const command &self, std::span<char *const> args) {
+int run_template(const command &self, const arguments &args) {
     if (args.empty()) return usage_error(self, "save, show, put or get is needed");
     for (const subcommand &sub : subcommands) {
         if (sub.name != args[0]) continue;
