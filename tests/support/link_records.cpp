@@ -95,12 +95,16 @@ void compare(const link_records &first, const link_records &second, differences 
                   std::to_string(second.mode));
 }
 
-int kept_comments(const link_records &records) {
-    int count = records.config.ids.comments[0] != '\0' ? 1 : 0;
-    auto pairs = [&count](const auto &section) {
-        count += (section.section.comments != nullptr) + (section.section.trailer != nullptr);
-        for (const config_comment &pair : section.keyword)
-            count += (pair.comments != nullptr) + (pair.trailer != nullptr);
+void for_each_comment(const link_records &records, const std::function<void(const char *)> &visit) {
+    if (records.config.ids.comments[0] != '\0') visit(records.config.ids.comments);
+    auto pair = [&visit](const config_comment &texts) {
+        if (texts.comments != nullptr) visit(texts.comments);
+        if (texts.trailer != nullptr) visit(texts.trailer);
+    };
+    auto pairs = [&pair](const auto &section) {
+        pair(section.section);
+        for (const config_comment &keyword : section.keyword)
+            pair(keyword);
     };
     const link_config &c = records.config;
     pairs(c.link);
@@ -113,6 +117,11 @@ int kept_comments(const link_records &records) {
         if (c.mlp.values.lapb[i] != nullptr) pairs(*c.mlp.values.lapb[i]);
         if (c.mlp.values.wan[i] != nullptr) pairs(*c.mlp.values.wan[i]);
     }
+}
+
+int kept_comments(const link_records &records) {
+    int count = 0;
+    for_each_comment(records, [&count](const char *) { ++count; });
     return count;
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -127,6 +128,11 @@ class differences {
 
 // Adds every difference between two readings to `found`.
 void compare(const link_records &first, const link_records &second, differences &found);
+
+// Calls `visit` with every comment text a reading kept: the comments before
+// the IDENTIFICATION block when there are any, then each comment and
+// trailer text of each section record, subsections included.
+void for_each_comment(const link_records &records, const std::function<void(const char *)> &visit);
 
 // The comment and trailer texts a reading kept.
 int kept_comments(const link_records &records);
