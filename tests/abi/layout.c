@@ -11,7 +11,7 @@
 #include <stdio.h>
 #include <string.h>
 
-#define AT(type, field, offset) \
+#define AT(type, field, offset)                                                                    \
     _Static_assert(offsetof(type, field) == (offset), #type "." #field " is at " #offset)
 #define SIZE(type, size) _Static_assert(sizeof(type) == (size), #type " has " #size " bytes")
 
