@@ -3,6 +3,7 @@
 // drivers. The tuning record of a layer is the values block of its section
 // in the link's configuration file.
 #include "command.h"
+#include "replace_file.h"
 
 #include "driver_exchange.h"
 #include "template_file.h"
@@ -47,7 +48,7 @@ struct layer {
     unsigned link_kinds; // the kinds of link that have this layer
     const char *(*line_name)(int index);
     void (*from_config)(link_config &config, int link_number, tuning &record);
-    int (*write_working)(tuning &record);
+    int (*write_file)(const char *path, tuning &record);
     int (*read_file)(const char *path, tuning &record);
     void (*write_lines)(FILE *stream, const tuning &record);
     int (*put)(tuning &record);
@@ -60,7 +61,7 @@ const layer layers[] = {
          t.x25 = c.x25.values;
          t.x25.link = link;
      },
-     [](tuning &t) { return write__x25_template_parameters(&t.x25); },
+     [](const char *path, tuning &t) { return write__x25_template_parameter_file(path, &t.x25); },
      [](const char *path, tuning &t) { return read_x25_template_parameter_file(path, &t.x25); },
      [](FILE *stream, const tuning &t) { qx25::write_x25_template_lines(stream, t.x25); },
      [](tuning &t) { return put__x25_template_parameters(&t.x25); },
@@ -70,7 +71,7 @@ const layer layers[] = {
          t.lapb = c.lapb.values;
          t.lapb.link = link;
      },
-     [](tuning &t) { return write_lapb_template_parameters(&t.lapb); },
+     [](const char *path, tuning &t) { return write_lapb_template_parameter_file(path, &t.lapb); },
      [](const char *path, tuning &t) { return read_lapb_template_parameter_file(path, &t.lapb); },
      [](FILE *stream, const tuning &t) { qx25::write_lapb_template_lines(stream, t.lapb); },
      [](tuning &t) { return put_lapb_template_parameters(&t.lapb); },
@@ -80,7 +81,7 @@ const layer layers[] = {
          t.llc2 = c.llc2.values;
          t.llc2.link = link;
      },
-     [](tuning &t) { return write_llc2_template_parameters(&t.llc2); },
+     [](const char *path, tuning &t) { return write_llc2_template_parameter_file(path, &t.llc2); },
      [](const char *path, tuning &t) { return read_llc2_template_parameter_file(path, &t.llc2); },
      [](FILE *stream, const tuning &t) { qx25::write_llc2_template_lines(stream, t.llc2); },
      [](tuning &t) { return put_llc2_template_parameters(&t.llc2); },
@@ -90,7 +91,7 @@ const layer layers[] = {
          t.wan = c.wan.values.tuning;
          t.wan.link = link;
      },
-     [](tuning &t) { return write_wan_template_parameters(&t.wan); },
+     [](const char *path, tuning &t) { return write_wan_template_parameter_file(path, &t.wan); },
      [](const char *path, tuning &t) { return read_wan_template_parameter_file(path, &t.wan); },
      [](FILE *stream, const tuning &t) { qx25::write_wan_template_lines(stream, t.wan); },
      [](tuning &t) { return put_wan_template_parameters(&t.wan); },
@@ -206,7 +207,10 @@ int save(const command &self, const target &named) {
     fs::create_directories(fs::path(path).parent_path(), error);
 
     collect_messages();
-    int result = named.of->write_working(record);
+    // Never written in place: a failed write leaves the old file as it was.
+    int result = path.empty() ? ENAMETOOLONG : qx25tool::replace_file(path, [&](const char *fresh) {
+        return named.of->write_file(fresh, record);
+    });
     if (result != 0) {
         complain(self.name, "cannot write " + path + ": " + std::strerror(result));
         return exit_failure;
