@@ -154,6 +154,22 @@ TEST_F(HostileFiles, AMillionCharacterLineInALinkFile) {
     free_link_item(&link.values);
 }
 
+// ---- NUL bytes ---------------------------------------------------------------------
+
+// A NUL byte ends the text of its line; the rest of that line is never read
+// as a line of its own. The hosts file takes only lines that end in a
+// newline, so a line a NUL cut short is skipped there.
+TEST_F(HostileFiles, ANulByteEndsTheTextOfItsLineOnly) {
+    using namespace std::string_literals;
+    for (const database &db : databases) {
+        SCOPED_TRACE(db.file);
+        tree.write(std::string("config/") + db.file, "\0"s + db.line + db.line);
+        EXPECT_EQ(db.read_all(), db.expected);
+    }
+    tree.write("config/xhosts", "3.1234 host\0 3.5 hidden\n3.6 next\n"s);
+    EXPECT_EQ(host_names(), "next;");
+}
+
 // ---- Carriage returns -------------------------------------------------------------
 
 // A carriage return is text to the readers: it ends a boardconf value, and
