@@ -653,6 +653,26 @@ typedef struct device_type {
 QX25_API extern device_type __config_linktype[DEVICE_TYPE_ROWS];
 
 /* ------------------------------------------------------------------------ */
+/* Link inventory and legacy configuration import                           */
+/* ------------------------------------------------------------------------ */
+
+/* Reads the older single-file link list $X25CONFIGFILES/x25conf into a chain
+ * of link nodes in file order, one per link line, valid or not (a valid one
+ * has device_count 1), with the address, alias and description of the
+ * subnetworks file and the PVCs of pvcmapconf. 0; EINVAL for a null
+ * argument; the open's error number (9 when none) when x25conf cannot be
+ * opened. The caller frees each node: free_link_item on its values, then
+ * free_link_comments, then the node. */
+QX25_API int read_link_parameters(link_node **head);
+
+/* Moves a file aside to PATH.BAK (a static buffer, overwritten by the next
+ * call) and creates it anew, empty, with its old mode. "/dev/null" when the
+ * file does not exist; null on any other failure. The file under the old
+ * name is emptied even when it could not be renamed (the result is then
+ * null). */
+QX25_API const char *x25_backup_file(const char *path);
+
+/* ------------------------------------------------------------------------ */
 /* Name databases                                                           */
 /* ------------------------------------------------------------------------ */
 

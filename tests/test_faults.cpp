@@ -9,6 +9,7 @@
 #include "release.h"
 
 #include "config_tree.h"
+#include "link_files.h"
 
 #include <gtest/gtest.h>
 
@@ -186,6 +187,20 @@ TEST(Faults, LinkNodeThatCannotBeAllocatedIsSkipped) {
     failing_callocs = 0;
     EXPECT_EQ(node, nullptr);
     EXPECT_EQ(qx25test::messages(), std::vector<std::string>{"Cannot allocate memory\n"});
+}
+
+TEST(FaultsDeathTest, InventoryNodeThatCannotBeAllocatedEndsTheProcess) {
+    qx25test::ConfigTree tree;
+    qx25test::write_boardconf(tree);
+    tree.write("config/x25conf", "ethr 0 0 1 LAN LC_LLC1 - 0800 ETHR\n");
+    EXPECT_EXIT(
+        {
+            set_link_error_function(nullptr);
+            link_node *head = nullptr;
+            failing_callocs = 1;
+            read_link_parameters(&head);
+        },
+        ::testing::ExitedWithCode(1), "^Cannot allocate memory\n$");
 }
 
 } // namespace

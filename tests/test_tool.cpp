@@ -35,6 +35,7 @@ const char *const usage =
     "  pvcs      list the permanent virtual circuits of the links\n"
     "  show      print a link configuration as the library writes it\n"
     "  set       change one keyword of a link configuration\n"
+    "  diff      show what a rewrite by the library would change\n"
     "  host      show a host of xhosts\n"
     "  hosts     list the hosts of xhosts\n"
     "  subnets   list the subnetworks the configured links make\n"
@@ -43,6 +44,8 @@ const char *const usage =
     "  profile   show the X.29 profile of an address\n"
     "  ppa       show the PPA number of an LLC2 device\n"
     "  template  save, show, send and fetch tuning templates\n"
+    "  inventory show devices, links and PVCs together, with their conflicts\n"
+    "  import    write link files from the older x25conf\n"
     "\n"
     "Files are looked up under $X25CONFIGFILES (default /etc/opt/Tarvenco/x25)\n"
     "and $X25LIBFILES (default /opt/Tarvenco/x25/lib).\n";

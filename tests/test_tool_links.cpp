@@ -345,18 +345,34 @@ TEST_F(ToolLinks, SetHelp) {
     auto result = run_tool({"set", "2", "lapb", "--help"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out,
-              "usage: qx25 set LINK SECTION KEYWORD VALUE\n"
+              "usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n"
               "\n"
-              "Gives KEYWORD of SECTION (link, x25, llc2, lapb, wan or mlp) of link number\n"
-              "LINK the VALUE, read as the library reads it from a file, and rewrites the\n"
-              "link's file with every comment kept. The previous file is kept as FILE.BAK.\n"
-              "Nothing is written when the reader reports a problem with the value, when\n"
-              "the value does not change what the file holds, or when the file has\n"
-              "problems of its own (see check); the file is put back when the rewrite\n"
-              "does not keep the value. Whatever else the rewrite changes (the X.25\n"
-              "network follows the link's type and connect procedure) is shown on\n"
-              "standard error. The subsections of an MLP link and the X.32 keywords cannot\n"
-              "be set.\n");
+              "Gives KEYWORD of SECTION of link number LINK the VALUE by changing the value\n"
+              "on the keyword's line of the link's file, or by adding a line for it at the\n"
+              "end of the section; every other byte of the file stays as it is. SECTION is\n"
+              "link, x25, llc2, lapb, wan or mlp, or lapb1 to lapb5 and wan1 to wan5 for the\n"
+              "subsections of SECTION MLP in file order.\n"
+              "\n"
+              "The VALUE is read by the library as from the file; nothing is written when\n"
+              "it reports a problem with it or passes over it, or when the file holds the\n"
+              "value already. The new file must read as the old one with that value and no\n"
+              "other change. It replaces the old one atomically, which is kept as\n"
+              "FILE.BAK, and is read back; when it does not read as planned the previous\n"
+              "file is put back.\n"
+              "\n"
+              "  --dry-run   print the change as a unified diff and write nothing\n");
+}
+
+TEST_F(ToolLinks, DiffHelp) {
+    auto result = run_tool({"diff", "--help"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out,
+              "usage: qx25 diff LINK|FILE\n"
+              "\n"
+              "Reads a link configuration, given as for show, and prints as a unified diff\n"
+              "how the file that the library would write for it (see show) differs from\n"
+              "the file as it is: the values it adds, the comments and lines it changes or\n"
+              "drops. Nothing is written.\n");
 }
 
 // ---- links ------------------------------------------------------------------------
@@ -554,67 +570,65 @@ TEST_F(ToolLinks, ShowNeedsOneLinkOrFile) {
 
 // ---- set --------------------------------------------------------------------------
 
-TEST_F(ToolLinks, SetChangesOneValueAndKeepsEveryComment) {
+TEST_F(ToolLinks, SetChangesOnlyTheValueOfTheKeywordsLine) {
     write_links();
     auto result = run_tool({"set", "2", "LAPB", "T1_Timer", "4.5"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    EXPECT_EQ(result.out,
-              "link 2: LAPB t1_timer 3.0 -> 4.5; previous file kept as " + wan_path + ".BAK\n");
-    std::string written = read_file(wan_path);
-    EXPECT_EQ(without_date_and_user(written),
-              replaced(wan_link_written, "\tt1_timer\t\t3.0\t", "\tt1_timer\t\t4.5\t"));
-    EXPECT_TRUE(has_line(written, "\tMODIFIED_BY\ttester")) << written;
+    EXPECT_EQ(result.out, "link 2: LAPB t1_timer 3.0 -> 4.5 (line 24); previous file kept as " +
+                              wan_path + ".BAK\n");
+    // The trailing comment, its tab and every other line stay.
+    EXPECT_EQ(read_file(wan_path),
+              replaced(wan_link, "\tt1_timer\t3.0\t! the", "\tt1_timer\t4.5\t! the"));
     EXPECT_EQ(read_file(wan_path + ".BAK"), wan_link);
     // The other links are left alone.
     EXPECT_EQ(read_file(lan_path), lan_link);
     EXPECT_EQ(read_file(mlp_path), mlp_link);
 }
 
-TEST_F(ToolLinks, SetKeepsTheTrailingCommentOfAChangedLine) {
+TEST_F(ToolLinks, SetAddsALineAtTheEndOfTheSection) {
     write_links();
-    auto result = run_tool({"set", "2", "link", "alias", "leased"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out,
-              "link 2: LINK alias pdn -> leased; previous file kept as " + wan_path + ".BAK\n");
-    EXPECT_EQ(without_date_and_user(read_file(wan_path)),
-              replaced(wan_link_written, "\talias\t\tpdn\t", "\talias\t\tleased\t"));
-}
-
-TEST_F(ToolLinks, SetAnX25Flag) {
-    write_links();
-    auto result = run_tool({"set", "2", "x25", "fast_select", "n"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(without_date_and_user(read_file(wan_path)),
-              replaced(wan_link_written, "\tfast_select\t\tY\t", "\tfast_select\t\tN\t"));
-}
-
-TEST_F(ToolLinks, SetTheSectionOfALanLinkAndOfAnMlpLink) {
-    write_links();
-    auto llc2 = run_tool({"set", "1", "llc2", "n2_count", "12"});
-    EXPECT_EQ(llc2.status, 0) << llc2.err;
-    EXPECT_TRUE(has_line(read_file(lan_path), "\tn2_count\t\t12")) << read_file(lan_path);
-    auto mlp = run_tool({"set", "3", "mlp", "mlp_window", "8"});
-    EXPECT_EQ(mlp.status, 0) << mlp.err;
-    std::string written = read_file(mlp_path);
-    EXPECT_TRUE(has_line(written, "\tmlp_window\t8")) << written;
-    // Both subsection pairs are still there.
-    EXPECT_NE(written.find("SUBSECTION\tWAN\n"), written.rfind("SUBSECTION\tWAN\n"));
-}
-
-TEST_F(ToolLinks, SetKeepsTheOtherValuesOfTheSection) {
-    write_links();
-    // A LAPB section of values that are not the defaults, one of them 0.
-    tree.write("config/config/link_config_0002.cfg",
-               replaced(wan_link, "\tmax_iframe_len\t135\n",
-                        "\tmax_iframe_len\t0\n\tunack_max\t5\n\tsframe_pbit\tY\n"));
-    auto result = run_tool({"set", "2", "lapb", "n2_count", "4"});
+    auto result = run_tool({"set", "2", "lapb", "pf_timer", "0.9"});
     EXPECT_EQ(result.status, 0) << result.err;
-    std::string expected = replaced(wan_link_written, "\tn2_count\t\t10\n", "\tn2_count\t\t4\n");
-    expected = replaced(expected, "\tmax_iframe_len\t\t135\n", "\tmax_iframe_len\t\t0\n");
-    expected = replaced(expected, "\tunack_max\t\t3\n", "\tunack_max\t\t5\n");
-    expected = replaced(expected, "\tsframe_pbit\t\tN\n", "\tsframe_pbit\t\tY\n");
-    EXPECT_EQ(without_date_and_user(read_file(wan_path)), expected);
+    EXPECT_EQ(result.out, "link 2: LAPB pf_timer 0.9 added (line 26); previous file kept as " +
+                              wan_path + ".BAK\n");
+    EXPECT_EQ(read_file(wan_path), replaced(wan_link, "\tmax_iframe_len\t135\n",
+                                            "\tmax_iframe_len\t135\n\tpf_timer\t0.9\n"));
+}
+
+TEST_F(ToolLinks, SetAddsALineToTheLastSectionOfTheFile) {
+    write_links();
+    auto result = run_tool({"set", "2", "x25", "bar_incall", "y"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(read_file(wan_path), std::string(wan_link) + "\tbar_incall\ty\n");
+}
+
+TEST_F(ToolLinks, SetDryRunPrintsTheChangeAndWritesNothing) {
+    write_links();
+    auto result = run_tool({"set", "--dry-run", "2", "lapb", "t1_timer", "4.5"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, "--- " + wan_path + "\n+++ " + wan_path +
+                              "\n"
+                              "@@ -21,7 +21,7 @@\n"
+                              " SECTION\tLAPB\n"
+                              " ! As the carrier asks.\n"
+                              " \tn2_count\t10\n"
+                              "-\tt1_timer\t3.0\t! the carrier's value\n"
+                              "+\tt1_timer\t4.5\t! the carrier's value\n"
+                              " \tmax_iframe_len\t135\n"
+                              " \n"
+                              " SECTION\tWAN\n");
+    EXPECT_EQ(read_file(wan_path), wan_link);
+    EXPECT_FALSE(exists(wan_path + ".BAK"));
+    auto added = run_tool({"set", "--dry-run", "2", "x25", "bar_incall", "y"});
+    EXPECT_EQ(added.out, "--- " + wan_path + "\n+++ " + wan_path +
+                             "\n"
+                             "@@ -38,3 +38,4 @@\n"
+                             " \tmodulo\t\t8\n"
+                             " \tfast_select\tY\t! callers may use fast select\n"
+                             " \tdnic\t\t2342\n"
+                             "+\tbar_incall\ty\n");
 }
 
 TEST_F(ToolLinks, SetTheValueTheFileHoldsAlreadyWritesNothing) {
@@ -622,45 +636,32 @@ TEST_F(ToolLinks, SetTheValueTheFileHoldsAlreadyWritesNothing) {
     auto result = run_tool({"set", "2", "lapb", "t1_timer", "3"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    EXPECT_EQ(result.out, "link 2: LAPB t1_timer is 3.0 already; file not rewritten\n");
+    EXPECT_EQ(result.out, "link 2: LAPB t1_timer is 3.0 already; file not changed\n");
+    // A keyword without a line of its own, at its default.
+    auto by_default = run_tool({"set", "2", "lapb", "pf_timer", "0.7"});
+    EXPECT_EQ(by_default.status, 0);
+    EXPECT_EQ(by_default.out,
+              "link 2: LAPB pf_timer has that value already (by default); file not changed\n");
+    // A network given by its number.
+    auto network = run_tool({"set", "2", "x25", "network", "3"});
+    EXPECT_EQ(network.status, 0);
+    EXPECT_EQ(network.out, "link 2: X25 network is X25_1984 already; file not changed\n");
     EXPECT_EQ(read_file(wan_path), wan_link);
     EXPECT_FALSE(exists(wan_path + ".BAK"));
 }
 
-TEST_F(ToolLinks, SetTheValueTheFileHoldsUnderAnotherName) {
+TEST_F(ToolLinks, SetANamedNetwork) {
     write_links();
-    auto result = run_tool({"set", "2", "x25", "network", "3"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "link 2: X25 network is X25_1984 already; file not rewritten\n");
-    EXPECT_EQ(read_file(wan_path), wan_link);
-}
-
-TEST_F(ToolLinks, SetShowsWhatTheUpdateChangedBesides) {
-    write_links();
-    // A connect procedure gives the link the network of call procedures.
-    auto result = run_tool({"set", "2", "wan", "connect_proc", "X21"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err, "qx25 set: the update also changed X25 network X25_1984 -> X21_V25\n");
-    EXPECT_EQ(result.out,
-              "link 2: WAN connect_proc NONE -> X21; previous file kept as " + wan_path + ".BAK\n");
-    std::string expected =
-        replaced(wan_link_written, "\tconnect_proc\t\tNONE\n", "\tconnect_proc\t\tX21\n");
-    EXPECT_EQ(without_date_and_user(read_file(wan_path)),
-              replaced(expected, "\tnetwork\t\t\tX25_1984\n", "\tnetwork\t\t\tX21_V25\n"));
-}
-
-TEST_F(ToolLinks, SetPutsTheFileBackWhenTheUpdateOverridesTheValue) {
-    write_links();
-    // The network of a WAN link follows its type: X25_1984 for link 2.
     auto result = run_tool({"set", "2", "x25", "network", "X25_1988"});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "qx25 set: the update wrote network X25_1984, not X25_1988\n"
-                          "qx25 set: link 2 not changed\n");
-    EXPECT_EQ(read_file(wan_path), wan_link);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "link 2: X25 network X25_1984 -> X25_1988 (line 33); previous file "
+                          "kept as " +
+                              wan_path + ".BAK\n");
+    EXPECT_EQ(read_file(wan_path),
+              replaced(wan_link, "\tnetwork\t\tX25_1984\n", "\tnetwork\t\tX25_1988\n"));
 }
 
-TEST_F(ToolLinks, SetReportsAnOutOfRangeValueWithoutWriting) {
+TEST_F(ToolLinks, SetReportsTheReadersMessageAndWritesNothing) {
     write_links();
     auto result = run_tool({"set", "2", "x25", "t20value", "9999"});
     EXPECT_EQ(result.status, 1);
@@ -675,60 +676,131 @@ TEST_F(ToolLinks, SetRefusesAValueTheReaderPassesOverSilently) {
     write_links();
     auto result = run_tool({"set", "2", "lapb", "n2_count", "99999"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "qx25 set: link 2 not changed: '99999' is not taken for n2_count "
-                          "(out of range or not valid)\n");
+    EXPECT_EQ(result.err, "qx25 set: link 2 not changed: the reader passes over '99999' for "
+                          "n2_count (out of range, not valid, or of no effect on this link)\n");
+    // The version of a LAN link is passed over whatever it is.
+    auto version = run_tool({"set", "1", "link", "version", "1984"});
+    EXPECT_EQ(version.status, 1);
+    EXPECT_EQ(version.err, "qx25 set: link 1 not changed: the reader passes over '1984' for "
+                           "version (out of range, not valid, or of no effect on this link)\n");
     EXPECT_EQ(read_file(wan_path), wan_link);
+    EXPECT_EQ(read_file(lan_path), lan_link);
     EXPECT_FALSE(exists(wan_path + ".BAK"));
 }
 
-TEST_F(ToolLinks, SetRefusesAKeywordTheFileDoesNotKeep) {
+TEST_F(ToolLinks, SetRefusesAValueThatMakesTheFileReadWithAProblem) {
     write_links();
-    auto result = run_tool({"set", "2", "wan", "translate", "Y"});
+    // Two devices ask for an MLP protocol, and the file goes on with LAPB.
+    auto result = run_tool({"set", "2", "link", "device", "wan0,wan1"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "qx25 set: link 2 not changed: translate is not written to its file\n");
+    EXPECT_EQ(result.err, "qx25 set: Links with multiple devices must use MLP protocol\n"
+                          "qx25 set: link 2 not changed\n");
     EXPECT_EQ(read_file(wan_path), wan_link);
 }
 
-TEST_F(ToolLinks, SetRefusesAnUnknownKeywordOrSection) {
+TEST_F(ToolLinks, SetRefusesAnUnknownKeywordSectionOrValue) {
     write_links();
+    const std::string usage = "usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n";
     auto keyword = run_tool({"set", "2", "lapb", "colour", "red"});
     EXPECT_EQ(keyword.status, 2);
-    EXPECT_EQ(keyword.err, "qx25 set: 'colour' is not a keyword of section LAPB\n"
-                           "usage: qx25 set LINK SECTION KEYWORD VALUE\n");
+    EXPECT_EQ(keyword.err, "qx25 set: 'colour' is not a keyword of LAPB\n" + usage);
     // A keyword of another section is no keyword of this one.
     auto other = run_tool({"set", "2", "wan", "t1_timer", "4"});
     EXPECT_EQ(other.status, 2);
-    EXPECT_EQ(other.err, "qx25 set: 't1_timer' is not a keyword of section WAN\n"
-                         "usage: qx25 set LINK SECTION KEYWORD VALUE\n");
-    auto section = run_tool({"set", "2", "pad", "t1_timer", "4"});
-    EXPECT_EQ(section.status, 2);
-    EXPECT_EQ(section.err, "qx25 set: unknown section 'pad': link, x25, llc2, lapb, wan or mlp\n"
-                           "usage: qx25 set LINK SECTION KEYWORD VALUE\n");
-    auto x32 = run_tool({"set", "2", "x25", "x25_x32_identity", "1234"});
-    EXPECT_EQ(x32.status, 2);
-    EXPECT_EQ(x32.err, "qx25 set: the X.32 keyword x25_x32_identity cannot be set: a rewrite "
-                       "does not keep it\n"
-                       "usage: qx25 set LINK SECTION KEYWORD VALUE\n");
+    EXPECT_EQ(other.err, "qx25 set: 't1_timer' is not a keyword of WAN\n" + usage);
+    const std::string sections = "': link, x25, llc2, lapb, wan, mlp, lapb1 to lapb5 or wan1 to "
+                                 "wan5\n";
+    for (const char *name : {"pad", "lapb6", "x256", "mlp1", "lapb0"}) {
+        auto section = run_tool({"set", "2", name, "t1_timer", "4"});
+        EXPECT_EQ(section.status, 2) << name;
+        EXPECT_EQ(section.err, "qx25 set: unknown section '" + std::string(name) + sections + usage)
+            << name;
+    }
     auto comment = run_tool({"set", "2", "link", "alias", "a!b"});
     EXPECT_EQ(comment.status, 2);
-    EXPECT_EQ(comment.err, "qx25 set: a VALUE cannot hold '!' or a line break\n"
-                           "usage: qx25 set LINK SECTION KEYWORD VALUE\n");
+    EXPECT_EQ(comment.err, "qx25 set: a VALUE cannot hold '!' or a line break\n" + usage);
+    auto blank = run_tool({"set", "2", "link", "alias", "pdn "});
+    EXPECT_EQ(blank.status, 2);
+    EXPECT_EQ(blank.err, "qx25 set: a VALUE cannot begin or end with a blank or a tab\n" + usage);
     EXPECT_EQ(read_file(wan_path), wan_link);
     EXPECT_FALSE(exists(wan_path + ".BAK"));
 }
 
-TEST_F(ToolLinks, SetRefusesASectionTheLinkDoesNotHave) {
+TEST_F(ToolLinks, SetRefusesASectionTheFileDoesNotHave) {
     write_links();
     auto lan = run_tool({"set", "1", "lapb", "n2_count", "5"});
     EXPECT_EQ(lan.status, 1);
-    EXPECT_EQ(lan.err, "qx25 set: link 1 not changed: it has no LAPB section to change (it is a "
-                       "LAN link)\n");
+    EXPECT_EQ(lan.err, "qx25 set: link 1 not changed: its file has no SECTION LAPB\n");
     auto mlp = run_tool({"set", "3", "wan", "max_frame", "1024"});
     EXPECT_EQ(mlp.status, 1);
-    EXPECT_EQ(mlp.err, "qx25 set: link 3 not changed: it has no WAN section to change (it is an "
-                       "MLP link)\n");
+    EXPECT_EQ(mlp.err, "qx25 set: link 3 not changed: its file has no SECTION WAN\n");
+    auto third = run_tool({"set", "3", "lapb3", "n2_count", "5"});
+    EXPECT_EQ(third.status, 1);
+    EXPECT_EQ(third.err,
+              "qx25 set: link 3 not changed: its SECTION MLP has no LAPB subsection 3\n");
     EXPECT_EQ(read_file(lan_path), lan_link);
     EXPECT_EQ(read_file(mlp_path), mlp_link);
+}
+
+TEST_F(ToolLinks, SetTheSectionOfALanLinkAndOfAnMlpLink) {
+    write_links();
+    auto llc2 = run_tool({"set", "1", "llc2", "n2_count", "12"});
+    EXPECT_EQ(llc2.status, 0) << llc2.err;
+    EXPECT_EQ(read_file(lan_path), replaced(lan_link, "\tn2_count\t10\n", "\tn2_count\t12\n"));
+    auto mlp = run_tool({"set", "3", "mlp", "mlp_window", "8"});
+    EXPECT_EQ(mlp.status, 0) << mlp.err;
+    EXPECT_EQ(read_file(mlp_path), replaced(mlp_link, "\tmlp_window\t16\n", "\tmlp_window\t8\n"));
+}
+
+TEST_F(ToolLinks, SetAKeywordOfAnMlpSubsection) {
+    write_links();
+    auto lapb = run_tool({"set", "3", "LAPB2", "n2_count", "4"});
+    EXPECT_EQ(lapb.status, 0) << lapb.err;
+    EXPECT_EQ(lapb.out, "link 3: LAPB subsection 2 n2_count 4 added (line 14); previous file kept "
+                        "as " +
+                            mlp_path + ".BAK\n");
+    std::string expected = replaced(mlp_link, "SUBSECTION\tWAN\nSUBSECTION\tLAPB\n",
+                                    "SUBSECTION\tWAN\nSUBSECTION\tLAPB\n\tn2_count\t4\n");
+    EXPECT_EQ(read_file(mlp_path), expected);
+    auto wan = run_tool({"set", "3", "wan1", "line_speed", "9600"});
+    EXPECT_EQ(wan.status, 0) << wan.err;
+    EXPECT_EQ(read_file(mlp_path),
+              replaced(expected, "SUBSECTION\tWAN\nSUBSECTION\tLAPB\n\tn2_count",
+                       "SUBSECTION\tWAN\n\tline_speed\t9600\nSUBSECTION\tLAPB\n\tn2_count"));
+    // The priority of the subsection lives in the link record.
+    auto priority = run_tool({"set", "3", "lapb1", "mlp_priority", "3"});
+    EXPECT_EQ(priority.status, 0) << priority.err;
+    EXPECT_NE(read_file(mlp_path).find("SUBSECTION\tLAPB\n\tmlp_priority\t3\nSUBSECTION\tWAN\n"),
+              std::string::npos)
+        << read_file(mlp_path);
+}
+
+TEST_F(ToolLinks, SetAnX32Keyword) {
+    write_links();
+    auto result = run_tool({"set", "2", "x25", "x25_x32_identity", "1234"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    std::string expected = std::string(wan_link) + "\tx25_x32_identity\t1234\n";
+    EXPECT_EQ(read_file(wan_path), expected);
+    // A file with X.32 keywords takes other changes too.
+    auto again = run_tool({"set", "2", "lapb", "n2_count", "5"});
+    EXPECT_EQ(again.status, 0) << again.err;
+    EXPECT_EQ(read_file(wan_path), replaced(expected, "\tn2_count\t10\n", "\tn2_count\t5\n"));
+    auto bad = run_tool({"set", "2", "x25", "x25_x32_sign", "12G4"});
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(bad.err, "qx25 set: Identity or Signature 12G4 too long or invalid\n"
+                       "qx25 set: link 2 not changed\n");
+}
+
+TEST_F(ToolLinks, SetLeavesTheProblemsOfAFileAsTheyAre) {
+    write_links();
+    // The reader reports an unknown keyword of the LINK section; the line
+    // stays, and so does the report.
+    std::string bad = replaced(wan_link, "\tdescription\t", "\tcolour\t\tred\n\tdescription\t");
+    tree.write("config/config/link_config_0002.cfg", bad);
+    auto result = run_tool({"set", "2", "lapb", "n2_count", "5"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(read_file(wan_path), replaced(bad, "\tn2_count\t10\n", "\tn2_count\t5\n"));
 }
 
 TEST_F(ToolLinks, SetOfALinkThatDoesNotExist) {
@@ -736,49 +808,43 @@ TEST_F(ToolLinks, SetOfALinkThatDoesNotExist) {
     auto result = run_tool({"set", "7", "lapb", "n2_count", "5"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "qx25 set: Error opening file " + tree.config_dir() +
-                              "/config/link_config_0007.cfg\n"
+    EXPECT_EQ(result.err, "qx25 set: " + tree.config_dir() +
+                              "/config/link_config_0007.cfg: No such file or directory\n"
                               "qx25 set: link 7 not changed\n");
     EXPECT_FALSE(exists(tree.config_dir() + "/config/link_config_0007.cfg"));
 }
 
-TEST_F(ToolLinks, SetLeavesAFileWithProblemsAlone) {
+TEST_F(ToolLinks, SetOfAFileTheLibraryCannotRead) {
     write_links();
-    // The reader reports an unknown keyword of the LINK section (and passes
-    // over those of other sections in silence).
-    std::string bad = replaced(wan_link, "\tdescription\t", "\tcolour\t\tred\n\tdescription\t");
-    tree.write("config/config/link_config_0002.cfg", bad);
+    std::string headless = replaced(wan_link, "IDENTIFICATION\n", "");
+    tree.write("config/config/link_config_0002.cfg", headless);
     auto result = run_tool({"set", "2", "lapb", "n2_count", "5"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "qx25 set: Unknown LINK Keyword <colour>, skipped\n"
-                          "qx25 set: link 2 not changed: its file has problems of its own (see "
-                          "qx25 check 2)\n");
-    EXPECT_EQ(read_file(wan_path), bad);
-}
-
-TEST_F(ToolLinks, SetLeavesAFileWithX32KeywordsAlone) {
-    write_links();
-    std::string x32 = std::string(wan_link) + "\tx25_x32_identity\t1234\n";
-    tree.write("config/config/link_config_0002.cfg", x32);
-    auto result = run_tool({"set", "2", "lapb", "n2_count", "5"});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "qx25 set: link 2 not changed: its file holds X.32 keywords, which a "
-                          "rewrite does not keep\n");
-    EXPECT_EQ(read_file(wan_path), x32);
+    EXPECT_EQ(result.err, "qx25 set: Error reading IDENTIFICATION section from file " + wan_path +
+                              ", line 2\n"
+                              "qx25 set: link 2 not changed\n");
+    EXPECT_EQ(read_file(wan_path), headless);
 }
 
 TEST_F(ToolLinks, SetWritesNothingWhenThePreviousFileCannotBeKept) {
     write_links();
-    // A directory where the copy would go.
+    // A directory where the backup would go.
     std::filesystem::create_directories(wan_path + ".BAK/occupied");
     auto result = run_tool({"set", "2", "lapb", "n2_count", "5"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_TRUE(result.err.starts_with("qx25 set: link 2 not changed: cannot keep the previous "
-                                       "file as " +
-                                       wan_path + ".BAK: "))
+    std::string start = "qx25 set: link 2 not changed: cannot rename " + tree.config_dir() +
+                        "/config/.link_config_0002.cfg.bak.";
+    std::string end = " to " + wan_path + ".BAK: Is a directory\n";
+    EXPECT_TRUE(result.err.starts_with(start) && result.err.ends_with(end) &&
+                result.err.size() == start.size() + 6 + end.size())
         << result.err;
     EXPECT_EQ(read_file(wan_path), wan_link);
+    // No file of the attempt is left behind.
+    int files = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(tree.config_dir() + "/config"))
+        files += entry.is_regular_file();
+    EXPECT_EQ(files, 4);
 }
 
 TEST_F(ToolLinks, SetOverwritesAnOlderBackup) {
@@ -791,17 +857,103 @@ TEST_F(ToolLinks, SetOverwritesAnOlderBackup) {
     EXPECT_EQ(read_file(wan_path + ".BAK"), first);
 }
 
+TEST_F(ToolLinks, SetKeepsTheModeOfTheFile) {
+    write_links();
+    namespace fs = std::filesystem;
+    fs::permissions(wan_path,
+                    fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    ASSERT_EQ(run_tool({"set", "2", "lapb", "n2_count", "5"}).status, 0);
+    fs::perms kept = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    EXPECT_EQ(fs::status(wan_path).permissions(), kept);
+    EXPECT_EQ(fs::status(wan_path + ".BAK").permissions(), kept);
+}
+
 TEST_F(ToolLinks, SetNeedsALinkNumberAndFourArguments) {
-    const std::string usage = "usage: qx25 set LINK SECTION KEYWORD VALUE\n";
+    const std::string usage = "usage: qx25 set [--dry-run] LINK SECTION KEYWORD VALUE\n";
     auto few = run_tool({"set", "2", "lapb", "n2_count"});
     EXPECT_EQ(few.status, 2);
     EXPECT_EQ(few.err, "qx25 set: LINK, SECTION, KEYWORD and VALUE are needed\n" + usage);
+    auto dry = run_tool({"set", "--dry-run", "2", "lapb", "n2_count"});
+    EXPECT_EQ(dry.status, 2);
+    EXPECT_EQ(dry.err, "qx25 set: LINK, SECTION, KEYWORD and VALUE are needed\n" + usage);
     auto name = run_tool({"set", "link_config_0002.cfg", "lapb", "n2_count", "5"});
     EXPECT_EQ(name.status, 2);
     EXPECT_EQ(name.err, "qx25 set: LINK must be a link number from 0 to 254\n" + usage);
     auto high = run_tool({"set", "255", "lapb", "n2_count", "5"});
     EXPECT_EQ(high.status, 2);
     EXPECT_EQ(high.err, "qx25 set: LINK must be a link number from 0 to 254\n" + usage);
+}
+
+// ---- diff -------------------------------------------------------------------------
+
+// The FILE_DATE line that the library writes, with the time of writing, as
+// "+\tFILE_DATE\tNOW".
+std::string with_date_now(std::string diff) {
+    std::size_t at = diff.find("\n+\tFILE_DATE\t");
+    if (at != std::string::npos)
+        diff.replace(at + 1, diff.find('\n', at + 1) - at - 1, "+\tFILE_DATE\tNOW");
+    return diff;
+}
+
+TEST_F(ToolLinks, DiffShowsWhatARewriteByTheLibraryWouldChange) {
+    write_links();
+    // The leased line as the library wrote it, then edited by hand: a blank
+    // before the version, and a line the library never writes.
+    std::string file = replaced(wan_link_written, "\tFILE_TYPE\tx25link\n",
+                                "\tFILE_TYPE\tx25link\n\tMODIFIED_BY\ttester\n"
+                                "\tFILE_DATE\tMon Nov  2 16:40:03 2026\n");
+    file = replaced(file, "\tPRODUCT_VERSION\t4.1", "\tPRODUCT_VERSION\t 4.1");
+    file = replaced(file, "\tconnect_proc\t\tNONE\n", "\tconnect_proc\t\tNONE\n\ttranslate\t\tY\n");
+    tree.write("config/config/link_config_0002.cfg", file);
+    auto result = run_tool({"diff", "2"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(with_date_now(result.out), "--- " + wan_path + "\n+++ " + wan_path +
+                                             " (rewritten by the library)\n"
+                                             "@@ -2,10 +2,10 @@\n"
+                                             " \n"
+                                             " IDENTIFICATION\n"
+                                             " \tPRODUCT_NAME\tQuenlark X.25\n"
+                                             "-\tPRODUCT_VERSION\t 4.1 patch 07\n"
+                                             "+\tPRODUCT_VERSION\t4.1 patch 07\n"
+                                             " \tFILE_TYPE\tx25link\n"
+                                             " \tMODIFIED_BY\ttester\n"
+                                             "-\tFILE_DATE\tMon Nov  2 16:40:03 2026\n"
+                                             "+\tFILE_DATE\tNOW\n"
+                                             " \n"
+                                             " \n"
+                                             " ! The hardware and the addresses.\n"
+                                             "@@ -48,7 +48,6 @@\n"
+                                             " \tline_speed\t\t64000\t! 64k leased line\n"
+                                             " \tmax_frame\t\t520\n"
+                                             " \tconnect_proc\t\tNONE\n"
+                                             "-\ttranslate\t\tY\n"
+                                             " \n"
+                                             " SECTION\tX25\n"
+                                             " \tnetwork\t\t\tX25_1984\n");
+    EXPECT_EQ(read_file(wan_path), file);
+}
+
+TEST_F(ToolLinks, DiffOfAHandWrittenFile) {
+    write_links();
+    auto result = run_tool({"diff", "link_config_0002.cfg"});
+    EXPECT_EQ(result.status, 0);
+    std::string diff = with_date_now(result.out);
+    // The empty lines the writer puts after a comment and the identification
+    // block, the lines it changes, and every default it writes out.
+    EXPECT_TRUE(diff.starts_with("--- " + wan_path + "\n+++ " + wan_path +
+                                 " (rewritten by the library)\n"
+                                 "@@ -1,14 +1,17 @@\n"
+                                 " ! Link 2: leased line to the public network.\n"
+                                 "+\n"
+                                 " IDENTIFICATION\n"))
+        << diff;
+    EXPECT_NE(diff.find("-\tMODIFIED_BY\tnetadm\n-\tFILE_DATE\tMon Nov  2 16:40:03 2026\n"
+                        "+\tMODIFIED_BY\ttester\n+\tFILE_DATE\tNOW\n"),
+              std::string::npos)
+        << diff;
+    EXPECT_NE(diff.find("\n+\tpf_timer  \t\t0.7\n"), std::string::npos) << diff;
+    EXPECT_EQ(read_file(wan_path), wan_link);
 }
 
 // ---- the example tree -------------------------------------------------------------

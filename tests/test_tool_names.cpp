@@ -226,7 +226,8 @@ TEST(NameToolExamples, TheExampleTreeFitsTheExampleLinks) {
     result = run_tool({"profile", "2.23425551234"});
     EXPECT_EQ(result.out, "address  2.23425551234\nkind     V2\nT        0\n");
     // The older subnetworks file names the same links.
-    for (const char *line : {"1\tsitelan", "2\tpdn", "3\tpdnmlp"})
+    for (const char *line :
+         {"1.0800200A1B2C04\tsitelan", "2.23421234567\tpdn", "3.23421234999\tpdnmlp"})
         EXPECT_NE(qx25test::read_file(QX25_SOURCE_DIR "/examples/etc/subnetworks").find(line),
                   std::string::npos);
 }

@@ -5,6 +5,8 @@
 
 #include "qx25.h"
 
+#include "link_file_generator.h"
+
 #include <cstddef>
 #include <cstring>
 #include <functional>
@@ -12,20 +14,6 @@
 #include <vector>
 
 namespace qx25test {
-
-// The three shapes of link the writer knows.
-enum class link_kind { lan, wan, mlp };
-
-inline const char *kind_name(link_kind kind) {
-    switch (kind) {
-    case link_kind::lan:
-        return "LAN";
-    case link_kind::wan:
-        return "WAN";
-    default:
-        return "MLP";
-    }
-}
 
 // The shape the writer gives a link of these values.
 inline link_kind kind_of(const link_values &link) {

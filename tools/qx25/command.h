@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <vector>
 
 namespace qx25tool {
@@ -37,6 +38,7 @@ int run_networks(const command &self, std::span<char *const> args);
 int run_links(const command &self, std::span<char *const> args);
 int run_show(const command &self, std::span<char *const> args);
 int run_set(const command &self, std::span<char *const> args);
+int run_diff(const command &self, std::span<char *const> args);
 int run_pvcs(const command &self, std::span<char *const> args);
 int run_host(const command &self, std::span<char *const> args);
 int run_hosts(const command &self, std::span<char *const> args);
@@ -46,6 +48,9 @@ int run_pad(const command &self, std::span<char *const> args);
 int run_profile(const command &self, std::span<char *const> args);
 int run_ppa(const command &self, std::span<char *const> args);
 int run_template(const command &self, std::span<char *const> args);
+// Link inventory and legacy configuration import.
+int run_import(const command &self, std::span<char *const> args);
+int run_inventory(const command &self, std::span<char *const> args);
 
 // ---- Shared by the commands (main.cpp) ----------------------------------------
 
@@ -80,6 +85,12 @@ bool is_number(const char *text);
 // names no file.
 bool name_link_file(const char *argument, std::string &name, std::string &path);
 
+// The whole text of the regular file at `path` and its status; false, with
+// `failure` saying why ("PATH: No such file or directory"), when it cannot
+// be read.
+bool read_link_text(const std::string &path, std::string &text, struct stat &status,
+                    std::string &failure);
+
 // One link file as the reader gives it, released when the object goes.
 struct link_records {
     link_config config{};
@@ -102,7 +113,15 @@ struct link_records {
     // WAN: LAPB and WAN), X.32 keywords only when the file had them. The
     // writer's result.
     int write(FILE *stream);
+    // The same into `text`.
+    int write_text(std::string &text);
 };
+
+// For the commands that take one LINK or FILE: names its file (`path`, to
+// show), reads it into `records` and keeps what the reader reported in
+// `messages`. exit_ok, or the exit status after saying what went wrong.
+int read_one_link(const command &self, std::span<char *const> args, std::string &path,
+                  link_records &records, std::vector<std::string> &messages);
 
 // ---- Link discovery (links.cpp) ---------------------------------------------------
 

@@ -3,12 +3,9 @@
 
 #include "qx25.h"
 
-#include <algorithm>
-#include <cctype>
 #include <clocale>
 #include <cstring>
 #include <iostream>
-#include <utility>
 
 namespace qx25tool {
 
@@ -58,18 +55,26 @@ constexpr command command_table[] = {
      "value, defaults included, with the comments of the file. What the reader\n"
      "reported is shown on standard error.\n",
      run_show},
-    {"set", "LINK SECTION KEYWORD VALUE", "change one keyword of a link configuration",
-     "Gives KEYWORD of SECTION (link, x25, llc2, lapb, wan or mlp) of link number\n"
-     "LINK the VALUE, read as the library reads it from a file, and rewrites the\n"
-     "link's file with every comment kept. The previous file is kept as FILE.BAK.\n"
-     "Nothing is written when the reader reports a problem with the value, when\n"
-     "the value does not change what the file holds, or when the file has\n"
-     "problems of its own (see check); the file is put back when the rewrite\n"
-     "does not keep the value. Whatever else the rewrite changes (the X.25\n"
-     "network follows the link's type and connect procedure) is shown on\n"
-     "standard error. The subsections of an MLP link and the X.32 keywords cannot\n"
-     "be set.\n",
+    {"set", "[--dry-run] LINK SECTION KEYWORD VALUE", "change one keyword of a link configuration",
+     "Gives KEYWORD of SECTION of link number LINK the VALUE by changing the value\n"
+     "on the keyword's line of the link's file, or by adding a line for it at the\n"
+     "end of the section; every other byte of the file stays as it is. SECTION is\n"
+     "link, x25, llc2, lapb, wan or mlp, or lapb1 to lapb5 and wan1 to wan5 for the\n"
+     "subsections of SECTION MLP in file order.\n\n"
+     "The VALUE is read by the library as from the file; nothing is written when\n"
+     "it reports a problem with it or passes over it, or when the file holds the\n"
+     "value already. The new file must read as the old one with that value and no\n"
+     "other change. It replaces the old one atomically, which is kept as\n"
+     "FILE.BAK, and is read back; when it does not read as planned the previous\n"
+     "file is put back.\n\n"
+     "  --dry-run   print the change as a unified diff and write nothing\n",
      run_set},
+    {"diff", "LINK|FILE", "show what a rewrite by the library would change",
+     "Reads a link configuration, given as for show, and prints as a unified diff\n"
+     "how the file that the library would write for it (see show) differs from\n"
+     "the file as it is: the values it adds, the comments and lines it changes or\n"
+     "drops. Nothing is written.\n",
+     run_diff},
     // ---- Name databases and link identifiers ----
     {"host", "NAME|ADDRESS", "show a host of xhosts",
      "Looks NAME up among the host names and aliases of $X25CONFIGFILES/xhosts,\n"
@@ -116,6 +121,27 @@ constexpr command command_table[] = {
      "MLP link x25. Nothing is saved or sent from a configuration file with\n"
      "problems (see check). The WAN layer has no driver: put and get do nothing.\n",
      run_template},
+    // ---- Link inventory and legacy configuration import ----
+    {"inventory", "", "show devices, links and PVCs together, with their conflicts",
+     "Prints the device kinds of $X25CONFIGFILES/boardconf with the links that use\n"
+     "each, the links of $X25CONFIGFILES/config with their devices and PVCs, and\n"
+     "the PVCs of pvcmapconf. A link whose file names a device boardconf does not\n"
+     "know, or a device another link uses too, is flagged; so is a file that\n"
+     "cannot be read and a PVC of a link that is not configured. The exit status\n"
+     "is 1 when anything was flagged.\n",
+     run_inventory},
+    {"import", "[--dry-run]", "write link files from the older x25conf",
+     "Reads $X25CONFIGFILES/x25conf, the older list of links (one device a line;\n"
+     "several lines for one link make an MLP link), with the addresses, aliases and\n"
+     "descriptions of $X25CONFIGFILES/subnetworks, and writes the LINK section of\n"
+     "each link's file config/link_config_NNNN.cfg through the library. A file that\n"
+     "exists keeps its other sections, its comments and what x25conf does not\n"
+     "give; it is copied to FILE.BAK first. Each line left out is reported with its\n"
+     "line number and the field at fault. When a write fails, every file written\n"
+     "is put back as it was. The exit status is 1 when a line was left out or\n"
+     "the import failed.\n\n"
+     "  --dry-run   show the files as they would be written; write nothing\n",
+     run_import},
 };
 
 void print_usage(std::ostream &out) {
@@ -132,90 +158,10 @@ void print_command_help(const command &cmd) {
     std::cout << "usage: qx25 " << cmd.name << ' ' << cmd.synopsis << "\n\n" << cmd.help;
 }
 
-std::vector<std::string> collected_messages;
-
-int collect(const char *message) {
-    std::string text = message != nullptr ? message : "";
-    while (!text.empty() && text.back() == '\n')
-        text.pop_back();
-    collected_messages.push_back(std::move(text));
-    return 0;
-}
-
-std::string padded(const std::string &cell, std::size_t width, bool right_aligned) {
-    std::string fill(width - std::min(width, cell.size()), ' ');
-    return right_aligned ? fill + cell : cell + fill;
-}
-
 } // namespace
-
-void collect_messages() {
-    collected_messages.clear();
-    x25_set_config_error_function(collect);
-    x25_set_parse_error_function(collect);
-    set_link_error_function(collect);
-    set_x25_template_error_function(collect);
-    set_lapb_template_error_function(collect);
-    set_llc2_template_error_function(collect);
-    set_wan_template_error_function(collect);
-}
-
-std::vector<std::string> take_messages() {
-    return std::exchange(collected_messages, {});
-}
-
-bool complain_all(std::string_view command_name, const std::vector<std::string> &messages) {
-    for (const std::string &message : messages)
-        complain(command_name, message);
-    return !messages.empty();
-}
-
-void print_table(std::span<const column> columns,
-                 const std::vector<std::vector<std::string>> &rows) {
-    std::vector<std::size_t> widths;
-    for (const column &c : columns)
-        widths.push_back(c.title.size());
-    for (const auto &row : rows)
-        for (std::size_t i = 0; i < row.size() && i < widths.size(); ++i)
-            widths[i] = std::max(widths[i], row[i].size());
-    auto print_line = [&](auto cell_of) {
-        std::string line;
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            if (i > 0) line += "  ";
-            bool last = i + 1 == columns.size();
-            std::string cell = cell_of(i);
-            line += last && !columns[i].right_aligned
-                        ? cell
-                        : padded(cell, widths[i], columns[i].right_aligned);
-        }
-        while (!line.empty() && line.back() == ' ')
-            line.pop_back();
-        std::cout << line << '\n';
-    };
-    print_line([&](std::size_t i) { return std::string(columns[i].title); });
-    for (const auto &row : rows)
-        print_line([&](std::size_t i) { return i < row.size() ? row[i] : std::string(); });
-}
-
-bool is_number(const char *text) {
-    if (*text == '\0') return false;
-    for (; *text != '\0'; ++text)
-        if (!std::isdigit(static_cast<unsigned char>(*text))) return false;
-    return true;
-}
 
 std::span<const command> commands() {
     return command_table;
-}
-
-void complain(std::string_view command_name, std::string_view message) {
-    std::cerr << "qx25 " << command_name << ": " << message << '\n';
-}
-
-int usage_error(const command &cmd, std::string_view message) {
-    complain(cmd.name, message);
-    std::cerr << "usage: qx25 " << cmd.name << ' ' << cmd.synopsis << '\n';
-    return exit_usage;
 }
 
 } // namespace qx25tool

@@ -5,6 +5,7 @@
 
 #include "link_config.h"
 #include "numeric_locale.h"
+#include "text_file.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -38,6 +39,26 @@ bool name_link_file(const char *argument, std::string &name, std::string &path) 
         return false;
     path = buffer;
     return !path.empty();
+}
+
+bool read_link_text(const std::string &path, std::string &text, struct stat &status,
+                    std::string &failure) {
+    qx25::file_ptr stream(qx25::open_regular_file(path.c_str()));
+    if (stream == nullptr || ::fstat(::fileno(stream.get()), &status) != 0) {
+        const char *reason = std::strerror(errno);
+        failure = path + ": " + reason;
+        return false;
+    }
+    text.clear();
+    char buffer[8192];
+    std::size_t count;
+    while ((count = std::fread(buffer, 1, sizeof buffer, stream.get())) > 0)
+        text.append(buffer, count);
+    if (std::ferror(stream.get())) {
+        failure = path + ": " + std::strerror(errno != 0 ? errno : EIO);
+        return false;
+    }
+    return true;
 }
 
 link_records::~link_records() {
@@ -75,23 +96,42 @@ int link_records::write(FILE *stream) {
         mlp && mlp_x32_held ? mlp_x32 : nullptr);
 }
 
-int run_show(const command &self, std::span<char *const> args) {
+int read_one_link(const command &self, std::span<char *const> args, std::string &path,
+                  link_records &records, std::vector<std::string> &messages) {
     if (args.size() != 1) return usage_error(self, "one LINK or FILE is needed");
-    std::string name, path;
+    std::string name;
     if (!name_link_file(args[0], name, path)) {
         complain(self.name, std::string("'") + args[0] + "' names no link file");
         return exit_failure;
     }
-
     collect_messages();
-    link_records records;
     int result = records.read(name.c_str());
-    std::vector<std::string> messages = take_messages();
+    messages = take_messages();
     if (result != 0) {
         if (!complain_all(self.name, messages))
             complain(self.name, path + ": " + std::strerror(result));
         return exit_failure;
     }
+    return exit_ok;
+}
+
+int link_records::write_text(std::string &text) {
+    char *buffer = nullptr;
+    std::size_t size = 0;
+    FILE *stream = ::open_memstream(&buffer, &size);
+    if (stream == nullptr) return errno != 0 ? errno : ENOMEM;
+    int result = write(stream); // closes the stream
+    text.assign(buffer != nullptr ? buffer : "", size);
+    std::free(buffer);
+    return result;
+}
+
+int run_show(const command &self, std::span<char *const> args) {
+    std::string path;
+    link_records records;
+    std::vector<std::string> messages;
+    if (int status = read_one_link(self, args, path, records, messages); status != exit_ok)
+        return status;
 
     // The writer closes the stream it is given: give it a copy of standard
     // output of its own.
@@ -106,7 +146,7 @@ int run_show(const command &self, std::span<char *const> args) {
                  std::string("cannot write to standard output: ") + std::strerror(error));
         return exit_failure;
     }
-    result = records.write(stream);
+    int result = records.write(stream);
     std::vector<std::string> write_messages = take_messages();
     messages.insert(messages.end(), write_messages.begin(), write_messages.end());
     complain_all(self.name, messages);

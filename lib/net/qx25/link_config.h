@@ -97,10 +97,57 @@ enum boardconf_line {
 
 // ---- PVC map ------------------------------------------------------------------
 
+// A decimal field as atoi reads it, held within the range of an int.
+int decimal_field(const char *text);
+
 // Hangs the circuits of pvcmapconf on the links of a chain.
 void __fill_PVC_lists(link_node *head);
 int parse_pvc(pvc_entry *record, char *line);
 int pkt_to_index(int packet_size);
+
+// ---- Link inventory ------------------------------------------------------------
+
+struct net_class_row {
+    const char *name;
+    int value;
+};
+
+inline constexpr int net_class_rows = 14;
+// The link classes of x25conf: LC_LLC1 15 ... LC_MLAPBXDCE 26, LC_MLP 27,
+// then "?" 0.
+extern const net_class_row netclass[net_class_rows];
+
+// What was wrong with a line of x25conf: the first fault, in field order.
+enum x25conf_fault {
+    X25CONF_VALID = 0,
+    X25CONF_DEVICE_KIND,    // field 1: not wans, wloop or ethr
+    X25CONF_NET_TYPE,       // field 5: not a name of link_nettype
+    X25CONF_LINK_CLASS,     // field 6: not a name of netclass
+    X25CONF_LOCAL_ADDRESS,  // field 8: not all digits of the kind
+    X25CONF_UNKNOWN_DEVICE, // field 9: no row of the table has the name
+    X25CONF_DEVICE_TYPE,    // field 9: the row is of the other kind
+    X25CONF_QUESTION_MARK,  // a field begins with "?"
+    X25CONF_TOO_FEW_FIELDS, // fewer than nine fields
+    X25CONF_TOO_MANY_FIELDS // a tenth field
+};
+
+struct x25conf_check {
+    x25conf_fault fault;
+    int field;       // the field at fault (1..10), 0 when none
+    int fields;      // fields read, the one that ended the line included
+    int link_number; // the fourth field, 0 when the line ended before it
+};
+
+// Splits a line of x25conf (trailing white space already removed) into its
+// fields and stores them into the values block: devices, network type, link
+// class, local address. Neither the device count nor the link number is
+// set. The device row is looked up in `table`.
+x25conf_check check_x25conf_line(const char *line, const device_type *table, link_values *link);
+
+// One line of x25conf into the values block of a node: the fields, the
+// device count, and the address, alias and description of the subnetworks
+// file for the link number. The line loses its trailing white space.
+void parse_x25conf(char *line, const device_type *table, link_values *link);
 
 // ---- Link discovery -----------------------------------------------------------
 

@@ -24,14 +24,6 @@ constexpr std::size_t line_size = 1024;
 constexpr std::string_view blanks = " \t";
 constexpr int pvc_fields = 6;
 
-// A decimal field as atoi reads it, held within the range of an int.
-int decimal(const char *text) {
-    long value = std::strtol(text, nullptr, 10);
-    if (value > INT_MAX) return INT_MAX;
-    if (value < INT_MIN) return INT_MIN;
-    return static_cast<int>(value);
-}
-
 std::uint8_t low_byte(unsigned long value) {
     return static_cast<std::uint8_t>(value & 0xFFu);
 }
@@ -39,18 +31,18 @@ std::uint8_t low_byte(unsigned long value) {
 void store_field(pvc_entry &record, int field, const char *text) {
     switch (field) {
     case 0:
-        record.link = decimal(text);
+        record.link = decimal_field(text);
         break;
     case 1:
         record.lcn = low_byte(std::strtoul(text, nullptr, 16));
         break;
     case 2:
     case 3:
-        record.pktsize[field - 2] = static_cast<std::uint8_t>(pkt_to_index(decimal(text)));
+        record.pktsize[field - 2] = static_cast<std::uint8_t>(pkt_to_index(decimal_field(text)));
         break;
     case 4:
     case 5:
-        record.window[field - 4] = low_byte(static_cast<unsigned long>(decimal(text)));
+        record.window[field - 4] = low_byte(static_cast<unsigned long>(decimal_field(text)));
         break;
     default:
         break; // counted, not stored
@@ -80,6 +72,13 @@ void append(link_values &link, pvc_entry *record) {
 } // namespace
 
 extern "C" {
+
+int decimal_field(const char *text) {
+    long value = std::strtol(text, nullptr, 10);
+    if (value > INT_MAX) return INT_MAX;
+    if (value < INT_MIN) return INT_MIN;
+    return static_cast<int>(value);
+}
 
 int pkt_to_index(int packet_size) {
     switch (packet_size) {
