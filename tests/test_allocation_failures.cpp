@@ -17,6 +17,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -425,6 +427,130 @@ TEST_F(AllocationFailures, UpdateAddsSubsections) {
             EXPECT_TRUE(messages().empty()) << testing::PrintToString(messages());
         });
     EXPECT_EQ(refused, 4); // two LAPB and two WAN subsections
+}
+
+// ---- The legacy import ----------------------------------------------------------
+
+// What one run of read_link_parameters did with allocation n failing,
+// written by a child process as it goes: a node that cannot be allocated
+// ends the process, so only the child can make the run.
+struct import_run {
+    int status = -1;    // the child's exit status
+    std::string report; // messages, then what the chain held and left behind
+};
+
+int report_fd = -1;
+
+int write_report(const char *text) {
+    std::string line = "message " + std::string(text);
+    if (failing_allocator::failed())
+        line = "failed " + std::to_string(failing_allocator::failed_size()) + " " + line;
+    return ::write(report_fd, line.data(), line.size()) < 0 ? -1 : 0;
+}
+
+import_run import_with_failure(long n) {
+    int ends[2];
+    if (::pipe(ends) != 0) return {};
+    std::fflush(nullptr);
+    pid_t child = ::fork();
+    if (child == 0) {
+        ::close(ends[0]);
+        report_fd = ends[1];
+        set_link_error_function(write_report);
+        x25_set_parse_error_function(write_report);
+        failing_allocator::forget_live_blocks();
+        failing_allocator::arm(n);
+        link_node *head = nullptr;
+        int result = read_link_parameters(&head);
+        failing_allocator::disarm();
+        std::string report = "result " + std::to_string(result) + "\n";
+        if (failing_allocator::failed())
+            report += "failed " + std::to_string(failing_allocator::failed_size()) + "\n";
+        for (link_node *node = head; node != nullptr;) {
+            int circuits = 0;
+            for (const pvc_entry *pvc = node->link.values.pvcs; pvc != nullptr; pvc = pvc->next)
+                ++circuits;
+            const char *alias = node->link.values.subnet.name;
+            const char *description = node->link.values.subnet.description;
+            report += "link " + std::to_string(node->link.values.subnet.address.snid) + " " +
+                      (alias != nullptr ? alias : "(none)") + " " +
+                      (description != nullptr ? description : "(none)") + " " +
+                      std::to_string(circuits) + "\n";
+            link_node *next = node->next;
+            free_link_item(&node->link.values);
+            free_link_comments(&node->link);
+            std::free(node);
+            node = next;
+        }
+        report += "left " + std::to_string(failing_allocator::live_blocks()) + "\n";
+        bool written =
+            ::write(ends[1], report.data(), report.size()) == static_cast<ssize_t>(report.size());
+        std::_Exit(written ? 0 : 2);
+    }
+    ::close(ends[1]);
+    import_run run;
+    char buffer[1024];
+    for (ssize_t got; (got = ::read(ends[0], buffer, sizeof buffer)) > 0;)
+        run.report.append(buffer, static_cast<std::size_t>(got));
+    ::close(ends[0]);
+    int status = 0;
+    if (::waitpid(child, &status, 0) == child && WIFEXITED(status))
+        run.status = WEXITSTATUS(status);
+    if (WIFSIGNALED(status)) run.report += "signal " + std::to_string(WTERMSIG(status));
+    return run;
+}
+
+// A node that cannot be allocated says "Cannot allocate memory" and ends
+// the process with status 1; a circuit that cannot be allocated says so and
+// ends the PVC map; an alias or description that cannot be copied is left
+// out. Nothing is left allocated after the chain is released.
+TEST_F(AllocationFailures, LegacyImportInAChildProcess) {
+    tree.write("config/x25conf", "ethr 0 0 1 LAN LC_LLC2 - 0800200A1B2C ETHR\n"
+                                 "wans 0 0 2 WAN88 LC_LAPBDTE - 23421234567 WANS\n");
+    tree.write("config/subnetworks", "1 sitelan Site LAN\n2 pdn Leased line\n");
+    tree.write("config/pvcmapconf", "2 1 128 128 2 2\n2 2 128 128 2 2\n");
+    import_run untouched = import_with_failure(0);
+    ASSERT_EQ(untouched.status, 0);
+    ASSERT_EQ(untouched.report,
+              "result 0\nlink 1 sitelan Site LAN 0\nlink 2 pdn Leased line 2\nleft 0\n");
+
+    const std::string node = std::to_string(sizeof(link_node));
+    const std::string circuit = std::to_string(sizeof(pvc_entry));
+    int node_failures = 0;
+    int circuit_failures = 0;
+    int text_failures = 0;
+    for (long n = 1; n < 100; ++n) {
+        SCOPED_TRACE("allocation " + std::to_string(n));
+        import_run run = import_with_failure(n);
+        if (run.report.find("failed ") == std::string::npos) {
+            EXPECT_EQ(run.status, 0);
+            EXPECT_EQ(run.report, untouched.report);
+            break;
+        }
+        if (run.status == 1) {
+            ++node_failures;
+            EXPECT_EQ(run.report, "failed " + node + " message Cannot allocate memory\n");
+        } else if (run.report.find("failed " + circuit + " message") == 0) {
+            ++circuit_failures;
+            EXPECT_EQ(run.status, 0);
+            std::string circuits = circuit_failures == 1 ? "0" : "1";
+            EXPECT_EQ(run.report, "failed " + circuit +
+                                      " message Cannot allocate memory\n"
+                                      "result 0\nfailed " +
+                                      circuit +
+                                      "\nlink 1 sitelan Site LAN 0\n"
+                                      "link 2 pdn Leased line " +
+                                      circuits + "\nleft 0\n");
+        } else {
+            ++text_failures;
+            EXPECT_EQ(run.status, 0);
+            EXPECT_NE(run.report.find("(none)"), std::string::npos) << run.report;
+            EXPECT_NE(run.report.find("left 0\n"), std::string::npos) << run.report;
+        }
+    }
+    EXPECT_EQ(node_failures, 2);
+    EXPECT_EQ(circuit_failures, 2);
+    EXPECT_EQ(text_failures, 4); // two aliases, two descriptions
 }
 
 } // namespace

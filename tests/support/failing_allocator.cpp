@@ -24,10 +24,11 @@ bool injected = false;
 std::size_t injected_size = 0;
 
 // The live set lives on the C++ heap, which the wrapping does not reach:
-// operator new allocates inside libstdc++, linked dynamically.
+// operator new allocates inside libstdc++, linked dynamically. It is never
+// destroyed: blocks are still freed while the process exits.
 std::unordered_set<void *> &live() {
-    static std::unordered_set<void *> blocks;
-    return blocks;
+    static auto *blocks = new std::unordered_set<void *>;
+    return *blocks;
 }
 
 // Counts an allocation; false when this one is to fail.
