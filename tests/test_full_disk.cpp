@@ -17,6 +17,7 @@
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 using qx25test::ConfigTree;
@@ -176,6 +177,73 @@ TEST_F(FullDisk, TemplateSaveKeepsTheOldFileWholeAndSaysWhy) {
     EXPECT_EQ(*report, "status 1\nout err qx25 template: cannot write " + fresh +
                            "XXXXXX: No space left on device\nold file kept: yes\nfiles:\n"
                            ".filler\nLINK002_working.lapb\n");
+}
+
+// The link files of the examples as they were, and what a tool run on a full
+// link file directory said and left there.
+std::string tool_on_full_link_directory(const ConfigTree &tree,
+                                        const std::vector<std::string> &args) {
+    std::string directory = tree.config_dir() + "/config";
+    std::vector<std::pair<std::string, std::string>> originals;
+    for (const auto &entry : fs::directory_iterator(directory))
+        originals.emplace_back(entry.path().filename().string(), read_file(entry.path()));
+    std::sort(originals.begin(), originals.end());
+    auto report = on_full_disk(
+        directory,
+        [&] {
+            for (const auto &[name, text] : originals)
+                tree.write("config/config/" + name, text);
+        },
+        [&] {
+            qx25test::tool_result result = qx25test::run_tool(args);
+            std::string kept = "every file kept: ";
+            bool all_kept = true;
+            for (const auto &[name, text] : originals)
+                all_kept = all_kept && read_file(directory + "/" + name) == text;
+            std::vector<std::string> names;
+            for (const auto &entry : fs::directory_iterator(directory))
+                names.push_back(entry.path().filename().string());
+            std::sort(names.begin(), names.end());
+            std::string listing;
+            for (const std::string &name : names)
+                listing += name + "\n";
+            return "status " + std::to_string(result.status) + "\nerr " + result.err + kept +
+                   (all_kept ? "yes" : "no") + "\nfiles:\n" + listing;
+        });
+    return report ? *report : std::string();
+}
+
+TEST_F(FullDisk, SetKeepsTheOldFileWholeAndSaysWhy) {
+    std::string report = tool_on_full_link_directory(tree, {"set", "2", "lapb", "n2_count", "12"});
+    if (report.empty()) GTEST_SKIP() << "no mount namespace with a tmpfs here";
+    // The new file beside the old one could not be written, and is gone.
+    EXPECT_NE(report.find("status 1\nerr qx25 set: link 2 not changed: cannot write " +
+                          tree.config_dir() + "/config/.link_config_0002.cfg.new."),
+              std::string::npos)
+        << report;
+    EXPECT_NE(report.find(": No space left on device\nevery file kept"), std::string::npos)
+        << report;
+    EXPECT_NE(report.find("every file kept: yes\nfiles:\n.filler\nlink_config_0001.cfg\n"
+                          "link_config_0002.cfg\nlink_config_0003.cfg\n"),
+              std::string::npos)
+        << report;
+}
+
+TEST_F(FullDisk, ImportKeepsEveryOldFileWholeAndSaysWhy) {
+    std::string report = tool_on_full_link_directory(tree, {"import"});
+    if (report.empty()) GTEST_SKIP() << "no mount namespace with a tmpfs here";
+    // The first backup could not be made: nothing was touched.
+    EXPECT_NE(report.find("status 1\nerr qx25 import: cannot write " + tree.config_dir() +
+                          "/config/link_config_0001.cfg.BAK."),
+              std::string::npos)
+        << report;
+    EXPECT_NE(report.find(": No space left on device; nothing was written\nevery file kept"),
+              std::string::npos)
+        << report;
+    EXPECT_NE(report.find("every file kept: yes\nfiles:\n.filler\nlink_config_0001.cfg\n"
+                          "link_config_0002.cfg\nlink_config_0003.cfg\n"),
+              std::string::npos)
+        << report;
 }
 
 } // namespace
