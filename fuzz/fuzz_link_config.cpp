@@ -33,14 +33,19 @@ const char *const profiles = "1 X25_LLC LAN network\n2 X25_88 WAN 1988\n3 X25_84
 // inside it printed as it stands, and so is what remains of a longer text
 // once 60 or fewer characters are left: a newline inside such a piece
 // starts a line without "!", which the reader does not take for a comment.
-// Two short comment lines in a row are such a text.
+// Two short comment lines in a row are such a text. A piece that ends at a
+// newline is written whole however long it is, and one of more than 125
+// characters makes a line the reader takes in two.
 bool written_back_as_comments(const char *text) {
     constexpr std::size_t whole_piece = 60;
     constexpr std::size_t shortest_cut = 61;
     constexpr std::size_t longest_piece = 80;
+    constexpr std::size_t longest_comment_line = 125;
     std::string_view rest(text);
     while (rest.size() > whole_piece) {
         if (std::size_t newline = rest.find('\n'); newline != std::string_view::npos) {
+            // "!", the piece and its newline must fit a line of 127.
+            if (newline > longest_comment_line) return false;
             rest.remove_prefix(newline + 1);
             continue;
         }

@@ -333,8 +333,8 @@ TEST_F(ConfigLines, BlankAndCommentLinesAreCountedAndCommentsCollected) {
 }
 
 // The text of a line ends at a NUL byte; the rest of that line is dropped,
-// but its newline still ends it, so a comment cut short stays a line of its
-// own.
+// but a comment line keeps its newline, so a comment cut short stays a line
+// of its own.
 TEST_F(ConfigLines, ANulByteEndsTheTextOfItsLineOnly) {
     FILE *stream = raw("! one\0 hidden\n! two\nkey val\0ue ! gone\nnext 1\n"s);
     ASSERT_EQ(next(stream), 0);
@@ -346,6 +346,21 @@ TEST_F(ConfigLines, ANulByteEndsTheTextOfItsLineOnly) {
     ASSERT_EQ(next(stream), 0);
     EXPECT_EQ(line.line_no, 4u);
     EXPECT_STREQ(line.keyword, "next");
+    std::fclose(stream);
+}
+
+// A line whose text a NUL ends at once is a logical line with no keyword,
+// as any line that ends where its text begins; it ends a run of comments.
+TEST_F(ConfigLines, ALineThatBeginsWithANulIsAnEmptyLogicalLine) {
+    FILE *stream = raw("! one\n  \0! two\n! three\nkey\n"s);
+    ASSERT_EQ(next(stream), 0);
+    EXPECT_EQ(line.line_no, 2u);
+    EXPECT_STREQ(line.comments, " one\n");
+    EXPECT_STREQ(line.keyword, "");
+    EXPECT_EQ(line.kind, CONFIG_LINE_KEYWORD);
+    ASSERT_EQ(next(stream), 0);
+    EXPECT_STREQ(line.comments, " three\n");
+    EXPECT_STREQ(line.keyword, "key");
     std::fclose(stream);
 }
 

@@ -134,9 +134,9 @@ constexpr identification_field identification_fields[] = {
 };
 
 // Reads one physical line into physical_line as fgets does. The text of a
-// line ends at a NUL byte; when the line itself went on to its newline, that
-// newline is kept behind the text, so that a comment cut short by a NUL is
-// still a line of its own and never runs into the next one.
+// line ends at a NUL byte. A comment line that a NUL cut short keeps the
+// newline its line went on to, so that it stays a comment line of its own
+// and never runs into the next one; any other line is left as fgets gave it.
 bool read_physical_line(FILE *stream) {
     // No newline can be left over from an earlier line: any newline behind
     // the text was read now.
@@ -144,8 +144,9 @@ bool read_physical_line(FILE *stream) {
     if (std::fgets(physical_line, sizeof physical_line, stream) == nullptr) return false;
     std::size_t length = std::strlen(physical_line);
     if (length > 0 && physical_line[length - 1] == '\n') return true;
-    if (std::memchr(physical_line + length, '\n', sizeof physical_line - length) != nullptr &&
-        length + 1 < sizeof physical_line) {
+    const char *text = physical_line + std::strspn(physical_line, " \t");
+    if (*text == '!' && length + 1 < sizeof physical_line &&
+        std::memchr(physical_line + length, '\n', sizeof physical_line - length) != nullptr) {
         physical_line[length] = '\n';
         physical_line[length + 1] = '\0';
     }
