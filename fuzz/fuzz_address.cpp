@@ -15,13 +15,10 @@ using qx25fuzz::require;
 
 namespace {
 
-const char *const boardconf = "WAN_DEVICE\n\tsymbolic WANS\n\tdevice wan\n\tlines 2\n"
-                              "LAN_DEVICE\n\tsymbolic ETHR\n\tdevice eth\n\tlines 1\n";
-
 // Links of each address class the checks tell apart: 1 LAN, 2 WAN of 1980,
 // 3 of 1984, 4 of 1988, 5 MLP.
 void make_links() {
-    qx25fuzz::write_file("config/boardconf", boardconf);
+    qx25fuzz::write_boardconf();
     const char *const links[][2] = {{"1", "\tdevice eth0\n\tnetwork_type LAN\n"},
                                     {"2", "\tdevice wan0\n\tnetwork_type WAN80\n"},
                                     {"3", "\tdevice wan1\n\tnetwork_type WAN84\n"},

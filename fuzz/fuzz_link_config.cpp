@@ -22,9 +22,6 @@ using qx25test::link_records;
 
 namespace {
 
-const char *const boardconf = "WAN_DEVICE\n\tsymbolic WANS\n\tdevice wan\n\tlines 2\n"
-                              "LAN_DEVICE\n\tsymbolic ETHR\n\tdevice eth\n\tlines 1\n";
-
 const char *const profiles = "1 X25_LLC LAN network\n2 X25_88 WAN 1988\n3 X25_84 WAN 1984\n"
                              "4 X25_80 WAN 1980\n7 PSS public network\n";
 
@@ -74,9 +71,8 @@ void report(const qx25test::differences &found) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    static const bool ready =
-        (qx25fuzz::silence_messages(), qx25fuzz::write_file("config/boardconf", boardconf),
-         qx25fuzz::write_file("lib/world_networks.profile", profiles), true);
+    static const bool ready = (qx25fuzz::silence_messages(), qx25fuzz::write_boardconf(),
+                               qx25fuzz::write_file("lib/world_networks.profile", profiles), true);
     (void)ready;
     std::string input = qx25fuzz::write_file("config/config/input.cfg", data, size);
     std::string first_file = qx25fuzz::tree_root() + "/config/config/first.cfg";

@@ -18,8 +18,9 @@ const std::string &tree_root();
 std::string write_file(std::string_view relative, std::string_view content);
 std::string write_file(std::string_view relative, const std::uint8_t *data, std::size_t size);
 
-// Removes a file below the tree root; nothing when it is not there.
-void remove_file(std::string_view relative);
+// Writes config/boardconf with the WAN device "wan" (symbolic WANS, two
+// lines a board) and the LAN device "eth" (ETHR, one line).
+void write_boardconf();
 
 // The input as text: the bytes up to the first NUL.
 std::string as_text(const std::uint8_t *data, std::size_t size);
@@ -27,10 +28,6 @@ std::string as_text(const std::uint8_t *data, std::size_t size);
 // Installs in every module an error function that reads the message to its
 // end (so that an unterminated or freed message is caught) and drops it.
 void silence_messages();
-
-// Messages received since the last silence_messages() or clear_messages().
-std::size_t message_count();
-void clear_messages();
 
 // Aborts with the text when the condition does not hold: the fuzzer keeps
 // the input that broke a promise as it keeps one that crashed.

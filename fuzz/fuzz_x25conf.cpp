@@ -5,18 +5,15 @@
 #include "qx25.h"
 
 #include "fuzz_support.h"
+#include "release.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 using qx25fuzz::require;
 using qx25fuzz::terminated;
 
 namespace {
-
-const char *const boardconf = "WAN_DEVICE\n\tsymbolic WANS\n\tdevice wan\n\tlines 2\n"
-                              "LAN_DEVICE\n\tsymbolic ETHR\n\tdevice eth\n\tlines 1\n";
 
 const char *const subnetworks = "1\tsitelan\tSite LAN\n2\tpdn\tLeased line to the PDN\n"
                                 "3\tpdnmlp\tMultilink to the PDN\n";
@@ -34,9 +31,8 @@ void check_node(const link_node &node) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
-    static const bool ready =
-        (qx25fuzz::silence_messages(), qx25fuzz::write_file("config/boardconf", boardconf),
-         qx25fuzz::write_file("config/subnetworks", subnetworks), true);
+    static const bool ready = (qx25fuzz::silence_messages(), qx25fuzz::write_boardconf(),
+                               qx25fuzz::write_file("config/subnetworks", subnetworks), true);
     (void)ready;
     qx25fuzz::write_file("config/x25conf", data, size);
 
@@ -48,12 +44,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         check_node(*node);
         previous = node;
     }
-    for (link_node *node = head; node != nullptr;) {
-        link_node *next = node->next;
-        free_link_item(&node->link.values);
-        free_link_comments(&node->link);
-        std::free(node);
-        node = next;
-    }
+    qx25tool::release(head);
     return 0;
 }

@@ -186,16 +186,6 @@ TEST_F(AllocationFailures, MlpSubsections) {
     EXPECT_EQ(subsections, 4u);
 }
 
-// Releases a chain link discovery made.
-void release_chain(link_node *head) {
-    while (head != nullptr) {
-        link_node *next = head->next;
-        __release_link_section(&head->link);
-        std::free(head);
-        head = next;
-    }
-}
-
 struct chain_summary {
     std::vector<unsigned> links;
     std::vector<int> circuits;
@@ -229,7 +219,7 @@ TEST_F(AllocationFailures, LinkDiscoveryAndThePvcMap) {
     chain_summary expected = summary(reference);
     ASSERT_EQ(expected.links, (std::vector<unsigned>{1, 2, 3}));
     ASSERT_EQ(expected.circuits, (std::vector<int>{2, 0, 1}));
-    release_chain(reference);
+    qx25tool::release(reference);
     failing_allocator::forget_live_blocks();
 
     int node_failures = 0;
@@ -240,7 +230,7 @@ TEST_F(AllocationFailures, LinkDiscoveryAndThePvcMap) {
             link_node *head = nullptr;
             EXPECT_EQ(x25_find_link_parameters(&head), 0);
             chain_summary found = summary(head);
-            release_chain(head);
+            qx25tool::release(head);
             std::size_t size = failing_allocator::failed_size();
             if (size == queued_line_size) {
                 // The link's number comes from its SECTION LINK: its
@@ -466,7 +456,7 @@ import_run import_with_failure(long n) {
         std::string report = "result " + std::to_string(result) + "\n";
         if (failing_allocator::failed())
             report += "failed " + std::to_string(failing_allocator::failed_size()) + "\n";
-        for (link_node *node = head; node != nullptr;) {
+        for (const link_node *node = head; node != nullptr; node = node->next) {
             int circuits = 0;
             for (const pvc_entry *pvc = node->link.values.pvcs; pvc != nullptr; pvc = pvc->next)
                 ++circuits;
@@ -476,12 +466,8 @@ import_run import_with_failure(long n) {
                       (alias != nullptr ? alias : "(none)") + " " +
                       (description != nullptr ? description : "(none)") + " " +
                       std::to_string(circuits) + "\n";
-            link_node *next = node->next;
-            free_link_item(&node->link.values);
-            free_link_comments(&node->link);
-            std::free(node);
-            node = next;
         }
+        qx25tool::release(head);
         report += "left " + std::to_string(failing_allocator::live_blocks()) + "\n";
         bool written =
             ::write(ends[1], report.data(), report.size()) == static_cast<ssize_t>(report.size());
