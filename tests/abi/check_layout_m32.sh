@@ -8,7 +8,7 @@ work=$2
 cc=$3
 
 mkdir -p "$work"
-if ! cmake -S "$source" -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQX25_WERROR=ON \
+if ! cmake -S "$source" -B "$work" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQX25_WERROR=ON \
         -DCMAKE_C_FLAGS=-m32 -DCMAKE_CXX_FLAGS=-m32 -DQX25_BUILD_TESTS=OFF \
         -DQX25_BUILD_BENCH=OFF > "$work/configure.log" 2>&1; then
     cat "$work/configure.log"
