@@ -16,11 +16,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <iterator>
+#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <cstring>
-#include <string>
 #include <vector>
 
 using qx25test::ConfigTree;
@@ -124,26 +124,24 @@ TEST_F(AllocationFailures, ReadingWithComments) {
     ASSERT_EQ(qx25test::kept_comments(reference), 11);
     ASSERT_TRUE(messages().empty());
 
-    long allocations = for_each_allocation_failure(
-        [&] {
-            messages().clear();
-            qx25test::link_records records;
-            EXPECT_EQ(records.read(path), 0);
-            if (failing_allocator::failed_size() == queued_line_size) {
-                EXPECT_EQ(messages(), message_list{no_memory});
-                EXPECT_EQ(records.config.link.values.device_count, 0); // no SECTION LINK
-                return;
-            }
-            EXPECT_TRUE(messages().empty());
-            qx25test::differences found;
-            compare(reference, records, found);
-            bool failed = failing_allocator::failed();
-            ASSERT_EQ(found.list().size(), failed ? 1u : 0u);
-            if (failed) {
-                EXPECT_NE(found.list()[0].find("read back as (none)"), std::string::npos);
-            }
-        },
-        [](long, bool) {});
+    long allocations = for_each_allocation_failure([&] {
+        messages().clear();
+        qx25test::link_records records;
+        EXPECT_EQ(records.read(path), 0);
+        if (failing_allocator::failed_size() == queued_line_size) {
+            EXPECT_EQ(messages(), message_list{no_memory});
+            EXPECT_EQ(records.config.link.values.device_count, 0); // no SECTION LINK
+            return;
+        }
+        EXPECT_TRUE(messages().empty());
+        qx25test::differences found;
+        compare(reference, records, found);
+        bool failed = failing_allocator::failed();
+        ASSERT_EQ(found.list().size(), failed ? 1u : 0u);
+        if (failed) {
+            EXPECT_NE(found.list()[0].find("read back as (none)"), std::string::npos);
+        }
+    });
     // The queued section line, 10 comment texts (the IDENTIFICATION block
     // keeps its own in the record), the alias and the description.
     EXPECT_EQ(allocations, 13);
@@ -158,31 +156,29 @@ TEST_F(AllocationFailures, MlpSubsections) {
     ASSERT_NE(reference.config.mlp.values.wan[1], nullptr);
 
     std::size_t subsections = 0;
-    for_each_allocation_failure(
-        [&] {
-            messages().clear();
-            qx25test::link_records records;
-            EXPECT_EQ(records.read(path), 0);
-            std::size_t size = failing_allocator::failed_size();
-            if (!failing_allocator::failed()) {
-                EXPECT_TRUE(messages().empty());
-            } else if (size == queued_line_size) {
-                EXPECT_TRUE(section_line_lost(messages()));
-            } else if (size == sizeof(lapb_section)) {
-                ++subsections;
-                EXPECT_EQ(messages(), message_list{"Cannot allocate memory for LAPB\n"});
-            } else if (size == sizeof(wan_section)) {
-                ++subsections;
-                EXPECT_EQ(messages(), message_list{"Cannot allocate memory for WAN\n"});
-                EXPECT_TRUE(records.config.mlp.values.wan[1] == nullptr);
-            } else {
-                EXPECT_TRUE(messages().empty());
-                qx25test::differences found;
-                compare(reference, records, found);
-                EXPECT_EQ(found.list().size(), 1u);
-            }
-        },
-        [](long, bool) {});
+    for_each_allocation_failure([&] {
+        messages().clear();
+        qx25test::link_records records;
+        EXPECT_EQ(records.read(path), 0);
+        std::size_t size = failing_allocator::failed_size();
+        if (!failing_allocator::failed()) {
+            EXPECT_TRUE(messages().empty());
+        } else if (size == queued_line_size) {
+            EXPECT_TRUE(section_line_lost(messages()));
+        } else if (size == sizeof(lapb_section)) {
+            ++subsections;
+            EXPECT_EQ(messages(), message_list{"Cannot allocate memory for LAPB\n"});
+        } else if (size == sizeof(wan_section)) {
+            ++subsections;
+            EXPECT_EQ(messages(), message_list{"Cannot allocate memory for WAN\n"});
+            EXPECT_TRUE(records.config.mlp.values.wan[1] == nullptr);
+        } else {
+            EXPECT_TRUE(messages().empty());
+            qx25test::differences found;
+            compare(reference, records, found);
+            EXPECT_EQ(found.list().size(), 1u);
+        }
+    });
     EXPECT_EQ(subsections, 4u);
 }
 
@@ -224,49 +220,47 @@ TEST_F(AllocationFailures, LinkDiscoveryAndThePvcMap) {
 
     int node_failures = 0;
     int circuit_failures = 0;
-    for_each_allocation_failure(
-        [&] {
-            messages().clear();
-            link_node *head = nullptr;
-            EXPECT_EQ(x25_find_link_parameters(&head), 0);
-            chain_summary found = summary(head);
-            qx25tool::release(head);
-            std::size_t size = failing_allocator::failed_size();
-            if (size == queued_line_size) {
-                // The link's number comes from its SECTION LINK: its
-                // circuits find no link.
-                EXPECT_TRUE(section_line_lost(messages()));
-                for (std::size_t i = 1; i < messages().size(); ++i)
-                    EXPECT_EQ(messages()[i].rfind("Found PVC for unconfigured link ", 0), 0u);
-                return;
-            }
-            if (!failing_allocator::failed() || text_copy(size)) {
-                EXPECT_TRUE(messages().empty());
-                EXPECT_EQ(found.links, expected.links);
-                EXPECT_EQ(found.circuits, expected.circuits);
-                return;
-            }
-            if (size == sizeof(link_node)) {
-                // The circuits of the link left out find no link.
-                ++node_failures;
-                ASSERT_EQ(found.links.size(), 2u);
-                unsigned missing = 1 + 2 + 3 - found.links[0] - found.links[1];
-                message_list reported{no_memory};
-                for (int i = 0; i < expected.circuits[missing - 1]; ++i)
-                    reported.push_back("Found PVC for unconfigured link " +
-                                       std::to_string(missing) + ", skipped\n");
-                EXPECT_EQ(messages(), reported);
-            } else {
-                EXPECT_EQ(messages(), message_list{no_memory});
-                ++circuit_failures;
-                EXPECT_EQ(found.links, expected.links);
-                int circuits = 0;
-                for (int count : found.circuits)
-                    circuits += count;
-                EXPECT_EQ(circuits, circuit_failures - 1); // those before the failed one
-            }
-        },
-        [](long, bool) {});
+    for_each_allocation_failure([&] {
+        messages().clear();
+        link_node *head = nullptr;
+        EXPECT_EQ(x25_find_link_parameters(&head), 0);
+        chain_summary found = summary(head);
+        qx25tool::release(head);
+        std::size_t size = failing_allocator::failed_size();
+        if (size == queued_line_size) {
+            // The link's number comes from its SECTION LINK: its
+            // circuits find no link.
+            EXPECT_TRUE(section_line_lost(messages()));
+            for (std::size_t i = 1; i < messages().size(); ++i)
+                EXPECT_EQ(messages()[i].rfind("Found PVC for unconfigured link ", 0), 0u);
+            return;
+        }
+        if (!failing_allocator::failed() || text_copy(size)) {
+            EXPECT_TRUE(messages().empty());
+            EXPECT_EQ(found.links, expected.links);
+            EXPECT_EQ(found.circuits, expected.circuits);
+            return;
+        }
+        if (size == sizeof(link_node)) {
+            // The circuits of the link left out find no link.
+            ++node_failures;
+            ASSERT_EQ(found.links.size(), 2u);
+            unsigned missing = 1 + 2 + 3 - found.links[0] - found.links[1];
+            message_list reported{no_memory};
+            for (int i = 0; i < expected.circuits[missing - 1]; ++i)
+                reported.push_back("Found PVC for unconfigured link " + std::to_string(missing) +
+                                   ", skipped\n");
+            EXPECT_EQ(messages(), reported);
+        } else {
+            EXPECT_EQ(messages(), message_list{no_memory});
+            ++circuit_failures;
+            EXPECT_EQ(found.links, expected.links);
+            int circuits = 0;
+            for (int count : found.circuits)
+                circuits += count;
+            EXPECT_EQ(circuits, circuit_failures - 1); // those before the failed one
+        }
+    });
     EXPECT_EQ(node_failures, 3);
     EXPECT_EQ(circuit_failures, 3);
 }
@@ -278,26 +272,24 @@ TEST_F(AllocationFailures, DeviceTableComments) {
                                    "ports\n\tlines 2\nLAN_DEVICE\n\tdevice eth\n\tcomment "
                                    "ethernet\n\tlines 1\n");
     int failures = 0;
-    for_each_allocation_failure(
-        [&] {
-            messages().clear();
-            device_type table[DEVICE_TYPE_ROWS] = {};
-            EXPECT_EQ(fill_linktype_struct(table), 1);
-            if (failing_allocator::failed()) {
-                ++failures;
-                EXPECT_EQ(messages(), message_list{no_memory});
-                EXPECT_EQ(table[failures - 1].comment, nullptr);
-                EXPECT_EQ(table[failures - 1].lines, 0); // read no further
-            } else {
-                EXPECT_TRUE(messages().empty());
-                EXPECT_STREQ(table[0].comment, "two ports");
-                EXPECT_STREQ(table[1].comment, "ethernet");
-                EXPECT_EQ(table[1].lines, 1);
-            }
-            for (device_type &row : table)
-                std::free(row.comment);
-        },
-        [](long, bool) {});
+    for_each_allocation_failure([&] {
+        messages().clear();
+        device_type table[DEVICE_TYPE_ROWS] = {};
+        EXPECT_EQ(fill_linktype_struct(table), 1);
+        if (failing_allocator::failed()) {
+            ++failures;
+            EXPECT_EQ(messages(), message_list{no_memory});
+            EXPECT_EQ(table[failures - 1].comment, nullptr);
+            EXPECT_EQ(table[failures - 1].lines, 0); // read no further
+        } else {
+            EXPECT_TRUE(messages().empty());
+            EXPECT_STREQ(table[0].comment, "two ports");
+            EXPECT_STREQ(table[1].comment, "ethernet");
+            EXPECT_EQ(table[1].lines, 1);
+        }
+        for (device_type &row : table)
+            std::free(row.comment);
+    });
     EXPECT_EQ(failures, 2);
 }
 
@@ -319,24 +311,22 @@ TEST_F(AllocationFailures, SubnetworkEnumeration) {
     ASSERT_EQ(expected, (std::vector<std::string>{"first", "(none)"}));
     failing_allocator::forget_live_blocks();
 
-    for_each_allocation_failure(
-        [&] {
-            messages().clear();
-            std::vector<std::string> names = enumerate();
-            if (!failing_allocator::failed()) {
-                EXPECT_EQ(names, expected);
-                EXPECT_TRUE(messages().empty());
-            } else if (failing_allocator::failed_size() == queued_line_size) {
-                EXPECT_TRUE(section_line_lost(messages()));
-            } else if (text_copy(failing_allocator::failed_size())) {
-                EXPECT_EQ(names.size(), expected.size());
-                EXPECT_TRUE(messages().empty());
-            } else {
-                EXPECT_EQ(names.size(), expected.size() - 1);
-                EXPECT_EQ(messages(), message_list{no_memory});
-            }
-        },
-        [](long, bool) {});
+    for_each_allocation_failure([&] {
+        messages().clear();
+        std::vector<std::string> names = enumerate();
+        if (!failing_allocator::failed()) {
+            EXPECT_EQ(names, expected);
+            EXPECT_TRUE(messages().empty());
+        } else if (failing_allocator::failed_size() == queued_line_size) {
+            EXPECT_TRUE(section_line_lost(messages()));
+        } else if (text_copy(failing_allocator::failed_size())) {
+            EXPECT_EQ(names.size(), expected.size());
+            EXPECT_TRUE(messages().empty());
+        } else {
+            EXPECT_EQ(names.size(), expected.size() - 1);
+            EXPECT_EQ(messages(), message_list{no_memory});
+        }
+    });
 }
 
 // The IDENTIFICATION block queues the SECTION line behind it: when that
@@ -344,26 +334,24 @@ TEST_F(AllocationFailures, SubnetworkEnumeration) {
 TEST_F(AllocationFailures, PushBack) {
     std::string path = tree.write("config/config/l.cfg", "IDENTIFICATION\n\tFILE_TYPE x\n"
                                                          "SECTION LINK\n\tdevice wan0\n");
-    long allocations = for_each_allocation_failure(
-        [&] {
-            messages().clear();
-            config_identification ids;
-            FILE *stream = x25_open_config_file(path.c_str(), &ids, 0);
-            ASSERT_NE(stream, nullptr);
-            std::vector<std::string> keywords;
-            config_line line{};
-            while (x25_read_config_line(stream, &line) == 0)
-                keywords.emplace_back(line.keyword);
-            std::fclose(stream);
-            if (failing_allocator::failed()) {
-                EXPECT_EQ(messages(), message_list{no_memory});
-                EXPECT_EQ(keywords, std::vector<std::string>{"device"});
-            } else {
-                EXPECT_TRUE(messages().empty());
-                EXPECT_EQ(keywords, (std::vector<std::string>{"SECTION", "device"}));
-            }
-        },
-        [](long, bool) {});
+    long allocations = for_each_allocation_failure([&] {
+        messages().clear();
+        config_identification ids;
+        FILE *stream = x25_open_config_file(path.c_str(), &ids, 0);
+        ASSERT_NE(stream, nullptr);
+        std::vector<std::string> keywords;
+        config_line line{};
+        while (x25_read_config_line(stream, &line) == 0)
+            keywords.emplace_back(line.keyword);
+        std::fclose(stream);
+        if (failing_allocator::failed()) {
+            EXPECT_EQ(messages(), message_list{no_memory});
+            EXPECT_EQ(keywords, std::vector<std::string>{"device"});
+        } else {
+            EXPECT_TRUE(messages().empty());
+            EXPECT_EQ(keywords, (std::vector<std::string>{"SECTION", "device"}));
+        }
+    });
     EXPECT_EQ(allocations, 1);
 }
 

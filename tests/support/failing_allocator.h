@@ -31,10 +31,10 @@ class failing_allocator {
 };
 
 // Runs `operation` with allocation n failing for n = 1, 2, ... until a run
-// completes without reaching its n-th allocation; `check` is called after
-// every run with n and whether the injected failure happened. Returns the
-// number of allocations of the complete run.
+// completes without reaching its n-th allocation; `check`, when given, is
+// called after every run, unarmed, with n and whether the injected failure
+// happened. Returns the number of allocations of the complete run.
 long for_each_allocation_failure(const std::function<void()> &operation,
-                                 const std::function<void(long n, bool failed)> &check);
+                                 const std::function<void(long n, bool failed)> &check = {});
 
 } // namespace qx25test
