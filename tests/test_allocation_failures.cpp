@@ -377,12 +377,7 @@ TEST_F(AllocationFailures, UpdateAddsSubsections) {
             messages().clear();
             tree.write("config/config/link_config_0004.cfg", before);
             result = x25_update_link(4, &update.config.link, SECTION_LINK);
-            qx25tool::release(&cs);
-            qx25tool::release(&xs);
-            qx25tool::release(&ms);
-            qx25tool::release(&lbs);
-            qx25tool::release(&l2s);
-            qx25tool::release(&ws);
+            qx25test::release_static_records();
         },
         [&](long, bool) {
             if (result == ENOMEM) {

@@ -34,6 +34,25 @@ link_records::~link_records() {
     qx25tool::release(&config);
 }
 
+void release_static_records() {
+    free_link_item(&cs.values);
+    cs.values.subnet.name = cs.values.subnet.description = nullptr;
+    cs.values.pvcs = nullptr;
+    qx25tool::release(&cs);
+    qx25tool::release(&xs);
+    qx25tool::release(&ms);
+    qx25tool::release(&lbs);
+    qx25tool::release(&l2s);
+    qx25tool::release(&ws);
+    std::memset(&ids, 0, sizeof ids);
+    std::memset(&cs, 0, sizeof cs);
+    std::memset(&xs, 0, sizeof xs);
+    std::memset(&ms, 0, sizeof ms);
+    std::memset(&lbs, 0, sizeof lbs);
+    std::memset(&l2s, 0, sizeof l2s);
+    std::memset(&ws, 0, sizeof ws);
+}
+
 std::string shown(const char *text) {
     if (text == nullptr) return "(none)";
     std::string quoted = "\"";

@@ -56,6 +56,11 @@ class link_records {
 
 // ---- Comparing ----------------------------------------------------------------
 
+// Releases what the configuration update left in the exported records (ids,
+// cs, xs, ms, lbs, l2s, ws): every comment text, the alias, description and
+// PVCs of the link, the MLP subsection records; then clears the records.
+void release_static_records();
+
 // A text as the reports show it: quoted, newlines as "\n", or "(none)".
 std::string shown(const char *text);
 
