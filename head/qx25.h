@@ -446,12 +446,14 @@ typedef struct lapb_section {
     config_comment section;
     config_comment keyword[LAPB_KEYWORDS];
     lapb_template values;
+    uint8_t reserved[172]; /* the values block is 204 bytes; kept zero */
 } lapb_section;
 
 typedef struct llc2_section {
     config_comment section;
     config_comment keyword[LLC2_KEYWORDS];
     llc2_template values;
+    uint8_t reserved[168]; /* the values block is 204 bytes; kept zero */
 } llc2_section;
 
 /* WAN values: the tuning record first, then what only the configuration
@@ -469,6 +471,7 @@ typedef struct wan_section {
     config_comment section;
     config_comment keyword[WAN_KEYWORDS];
     wan_values values;
+    uint8_t reserved[4]; /* the values block is 36 bytes; kept zero */
 } wan_section;
 
 typedef struct mlp_values {
@@ -483,6 +486,7 @@ typedef struct mlp_section {
     config_comment section;
     config_comment keyword[MLP_KEYWORDS];
     mlp_values values;
+    uint8_t reserved[8]; /* the values block is 60 bytes with 32-bit pointers; kept zero */
 } mlp_section;
 
 /* One link's whole configuration. */

@@ -14,6 +14,7 @@
 
 using qx25test::ConfigTree;
 using qx25test::messages;
+using namespace std::string_literals;
 
 namespace {
 
@@ -328,6 +329,60 @@ TEST_F(ConfigLines, BlankAndCommentLinesAreCountedAndCommentsCollected) {
     ASSERT_EQ(next(stream), 0);
     EXPECT_EQ(line.line_no, 5u);
     EXPECT_STREQ(line.comments, " one\n two \n");
+    std::fclose(stream);
+}
+
+// The text of a line ends at a NUL byte; the rest of that line is dropped,
+// but a comment line keeps its newline, so a comment cut short stays a line
+// of its own.
+TEST_F(ConfigLines, ANulByteEndsTheTextOfItsLineOnly) {
+    FILE *stream = raw("! one\0 hidden\n! two\nkey val\0ue ! gone\nnext 1\n"s);
+    ASSERT_EQ(next(stream), 0);
+    EXPECT_EQ(line.line_no, 3u);
+    EXPECT_STREQ(line.comments, " one\n two\n");
+    EXPECT_STREQ(line.keyword, "key");
+    EXPECT_STREQ(line.value, "val");
+    EXPECT_STREQ(line.trailer, "");
+    ASSERT_EQ(next(stream), 0);
+    EXPECT_EQ(line.line_no, 4u);
+    EXPECT_STREQ(line.keyword, "next");
+    std::fclose(stream);
+}
+
+// A line whose text a NUL ends at once is a logical line with no keyword,
+// as any line that ends where its text begins; it ends a run of comments.
+TEST_F(ConfigLines, ALineThatBeginsWithANulIsAnEmptyLogicalLine) {
+    FILE *stream = raw("! one\n  \0! two\n! three\nkey\n"s);
+    ASSERT_EQ(next(stream), 0);
+    EXPECT_EQ(line.line_no, 2u);
+    EXPECT_STREQ(line.comments, " one\n");
+    EXPECT_STREQ(line.keyword, "");
+    EXPECT_EQ(line.kind, CONFIG_LINE_KEYWORD);
+    ASSERT_EQ(next(stream), 0);
+    EXPECT_STREQ(line.comments, " three\n");
+    EXPECT_STREQ(line.keyword, "key");
+    std::fclose(stream);
+}
+
+TEST_F(ConfigLines, ANulByteInALongLineStillLeavesItsTailForTheNextRead) {
+    std::string content = "! short" + std::string(1, '\0') + std::string(130, 'x') + "\nkey 1\n";
+    FILE *stream = raw(content);
+    ASSERT_EQ(next(stream), 0);
+    // The first 127 characters hold no newline: the line goes on.
+    EXPECT_STREQ(line.comments, " short");
+    EXPECT_EQ(line.line_no, 2u);
+    EXPECT_EQ(std::string(line.keyword), std::string(11, 'x'));
+    ASSERT_EQ(next(stream), 0);
+    EXPECT_STREQ(line.keyword, "key");
+    std::fclose(stream);
+}
+
+TEST_F(ConfigLines, CarriageReturnsStayInTheText) {
+    FILE *stream = raw("! dos\r\nkey value\r\n");
+    ASSERT_EQ(next(stream), 0);
+    EXPECT_STREQ(line.comments, " dos\r\n");
+    EXPECT_STREQ(line.keyword, "key");
+    EXPECT_STREQ(line.value, "value\r");
     std::fclose(stream);
 }
 

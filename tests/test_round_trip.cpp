@@ -8,6 +8,7 @@
 #include "captured_messages.h"
 #include "config_tree.h"
 #include "link_file_generator.h"
+#include "link_records.h"
 #include "release.h"
 
 #include <gtest/gtest.h>
@@ -25,235 +26,17 @@
 #include <vector>
 
 using qx25test::ConfigTree;
+using qx25test::differences;
+using qx25test::first_different_line;
 using qx25test::generate_link_file;
 using qx25test::generated_file;
 using qx25test::link_kind;
+using qx25test::link_records;
 using qx25test::messages;
+using qx25test::shown;
+using qx25test::without_stamp;
 
 namespace {
-
-// ---- Reading and writing ------------------------------------------------------
-
-// Everything one reading fills: the records of a link configuration, the
-// X.32 records of the X25 section, the LAPB section and the five MLP
-// subsections, and the mode report. Zeroed before reading; released after.
-class link_records {
-  public:
-    link_records() {
-        std::memset(&config, 0, sizeof config);
-        std::memset(&x25_x32, 0, sizeof x25_x32);
-        std::memset(&lapb_x32, 0, sizeof lapb_x32);
-        std::memset(mlp_x32, 0, sizeof mlp_x32);
-    }
-    ~link_records() { qx25tool::release(&config); }
-    link_records(const link_records &) = delete;
-    link_records &operator=(const link_records &) = delete;
-
-    int read(const std::string &path) {
-        mode = 0;
-        return x25_read_config_parameter_file_x32(
-            path.c_str(), &config.ids, &config.link, &config.x25, &config.mlp, &config.lapb,
-            &config.llc2, &config.wan, &x25_x32, &lapb_x32, mlp_x32, &mode);
-    }
-
-    // The records of the link's shape: MLP, or LAPB and WAN, or LLC2.
-    int write(const std::string &path, link_kind kind) {
-        return x25_write_config_parameter_file_x32(
-            path.c_str(), &config.ids, &config.link, &config.x25,
-            kind == link_kind::mlp ? &config.mlp : nullptr,
-            kind == link_kind::wan ? &config.lapb : nullptr, &config.llc2, &config.wan, &x25_x32,
-            &lapb_x32, mlp_x32);
-    }
-
-    link_config config;
-    x32_record x25_x32;
-    x32_record lapb_x32;
-    x32_record mlp_x32[MLP_MAX_SUBSECTIONS];
-    int mode = 0;
-};
-
-// ---- Comparing ----------------------------------------------------------------
-
-std::string shown(const char *text) {
-    if (text == nullptr) return "(none)";
-    std::string quoted = "\"";
-    for (const char *c = text; *c != '\0'; ++c)
-        quoted += *c == '\n' ? std::string("\\n") : std::string(1, *c);
-    return quoted + "\"";
-}
-
-// The differences found between two readings, in words.
-class differences {
-  public:
-    void add(std::string text) { found_.push_back(std::move(text)); }
-
-    static bool same(const char *first, const char *second) {
-        return first == nullptr || second == nullptr ? first == second
-                                                     : std::strcmp(first, second) == 0;
-    }
-
-    void text(const std::string &where, const char *first, const char *second) {
-        if (!same(first, second))
-            add(where + ": " + shown(first) + " read back as " + shown(second));
-    }
-
-    void bytes(const std::string &where, const void *first, const void *second, std::size_t size) {
-        const auto *a = static_cast<const unsigned char *>(first);
-        const auto *b = static_cast<const unsigned char *>(second);
-        for (std::size_t i = 0; i < size; ++i) {
-            if (a[i] == b[i]) continue;
-            add(where + ": byte " + std::to_string(i) + " is " + std::to_string(a[i]) +
-                ", read back as " + std::to_string(b[i]));
-            return;
-        }
-    }
-
-    template <typename Section>
-    void comments(const std::string &where, const Section &first, const Section &second,
-                  const config_keyword *names) {
-        text(where + " header comments", first.section.comments, second.section.comments);
-        text(where + " header trailer", first.section.trailer, second.section.trailer);
-        for (std::size_t i = 0; i < std::size(first.keyword); ++i) {
-            const config_comment &a = first.keyword[i];
-            const config_comment &b = second.keyword[i];
-            if (same(a.comments, b.comments) && same(a.trailer, b.trailer)) continue;
-            std::string keyword = where + " " + names[i].name;
-            text(keyword + " comments", a.comments, b.comments);
-            text(keyword + " trailer", a.trailer, b.trailer);
-        }
-    }
-
-    template <typename Section>
-    void section(const std::string &where, const Section &first, const Section &second,
-                 const config_keyword *names) {
-        comments(where, first, second, names);
-        bytes(where + " values", &first.values, &second.values, sizeof first.values);
-    }
-
-    bool empty() const { return found_.empty(); }
-    const std::vector<std::string> &list() const { return found_; }
-
-  private:
-    std::vector<std::string> found_;
-};
-
-// The link values with the pointers left out, copied byte for byte: the
-// alias and the description are compared as texts, and a reading attaches
-// no PVCs.
-void without_pointers(const link_values &values, link_values &copy) {
-    std::memcpy(&copy, &values, sizeof copy);
-    copy.subnet.name = nullptr;
-    copy.subnet.description = nullptr;
-    copy.pvcs = nullptr;
-}
-
-void compare(const link_records &first, const link_records &second, differences &found) {
-    const link_config &a = first.config;
-    const link_config &b = second.config;
-
-    found.bytes("product name", a.ids.product_name, b.ids.product_name, sizeof a.ids.product_name);
-    found.bytes("product version", a.ids.product_version, b.ids.product_version,
-                sizeof a.ids.product_version);
-    found.bytes("file type", a.ids.file_type, b.ids.file_type, sizeof a.ids.file_type);
-    found.bytes("identification comments", a.ids.comments, b.ids.comments, sizeof a.ids.comments);
-
-    found.comments("LINK", a.link, b.link, __LINK_functions);
-    link_values link_a;
-    link_values link_b;
-    without_pointers(a.link.values, link_a);
-    without_pointers(b.link.values, link_b);
-    found.bytes("LINK values", &link_a, &link_b, sizeof link_a);
-    found.text("LINK alias", a.link.values.subnet.name, b.link.values.subnet.name);
-    found.text("LINK description", a.link.values.subnet.description,
-               b.link.values.subnet.description);
-    if (a.link.values.pvcs != nullptr || b.link.values.pvcs != nullptr)
-        found.add("a reading attached PVCs");
-
-    found.section("X25", a.x25, b.x25, __X25_functions);
-    found.section("LAPB", a.lapb, b.lapb, __LAPB_functions);
-    found.section("LLC2", a.llc2, b.llc2, __LLC2_functions);
-    found.section("WAN", a.wan, b.wan, __WAN_functions);
-
-    found.comments("MLP", a.mlp, b.mlp, __MLP_functions);
-    found.bytes("MLP values", &a.mlp.values, &b.mlp.values, offsetof(mlp_values, lapb));
-    for (int i = 0; i < MLP_MAX_SUBSECTIONS; ++i) {
-        std::string position = std::to_string(i);
-        const lapb_section *lapb_a = a.mlp.values.lapb[i];
-        const lapb_section *lapb_b = b.mlp.values.lapb[i];
-        if ((lapb_a == nullptr) != (lapb_b == nullptr))
-            found.add("LAPB subsection " + position + " present in one reading only");
-        else if (lapb_a != nullptr)
-            found.section("LAPB subsection " + position, *lapb_a, *lapb_b, __LAPB_functions);
-        const wan_section *wan_a = a.mlp.values.wan[i];
-        const wan_section *wan_b = b.mlp.values.wan[i];
-        if ((wan_a == nullptr) != (wan_b == nullptr))
-            found.add("WAN subsection " + position + " present in one reading only");
-        else if (wan_a != nullptr)
-            found.section("WAN subsection " + position, *wan_a, *wan_b, __WAN_functions);
-        found.bytes("X.32 of LAPB subsection " + position, &first.mlp_x32[i], &second.mlp_x32[i],
-                    sizeof first.mlp_x32[i]);
-    }
-    found.bytes("X.32 of X25", &first.x25_x32, &second.x25_x32, sizeof first.x25_x32);
-    found.bytes("X.32 of LAPB", &first.lapb_x32, &second.lapb_x32, sizeof first.lapb_x32);
-    if (first.mode != second.mode)
-        found.add("mode " + std::to_string(first.mode) + " read back as " +
-                  std::to_string(second.mode));
-}
-
-// The comment and trailer texts a reading kept.
-int kept_comments(const link_records &records) {
-    int count = records.config.ids.comments[0] != '\0' ? 1 : 0;
-    auto pairs = [&count](const auto &section) {
-        count += (section.section.comments != nullptr) + (section.section.trailer != nullptr);
-        for (const config_comment &pair : section.keyword)
-            count += (pair.comments != nullptr) + (pair.trailer != nullptr);
-    };
-    const link_config &c = records.config;
-    pairs(c.link);
-    pairs(c.x25);
-    pairs(c.mlp);
-    pairs(c.lapb);
-    pairs(c.llc2);
-    pairs(c.wan);
-    for (int i = 0; i < MLP_MAX_SUBSECTIONS; ++i) {
-        if (c.mlp.values.lapb[i] != nullptr) pairs(*c.mlp.values.lapb[i]);
-        if (c.mlp.values.wan[i] != nullptr) pairs(*c.mlp.values.wan[i]);
-    }
-    return count;
-}
-
-// A written file without its MODIFIED_BY and FILE_DATE lines, which name the
-// user and the time of writing; `stamps` counts the lines left out.
-std::string without_stamp(const std::string &file, int &stamps) {
-    std::string kept;
-    std::size_t start = 0;
-    stamps = 0;
-    while (start < file.size()) {
-        std::size_t end = file.find('\n', start);
-        end = end == std::string::npos ? file.size() : end + 1;
-        std::string_view line(file.data() + start, end - start);
-        if (line.starts_with("\tMODIFIED_BY\t") || line.starts_with("\tFILE_DATE\t"))
-            ++stamps;
-        else
-            kept += line;
-        start = end;
-    }
-    return kept;
-}
-
-// The first line in which two files differ, for the report.
-std::string first_different_line(const std::string &first, const std::string &second) {
-    std::size_t at = 0;
-    while (at < first.size() && at < second.size() && first[at] == second[at])
-        ++at;
-    std::size_t start = first.rfind('\n', at == 0 ? 0 : at - 1);
-    start = start == std::string::npos || at == 0 ? 0 : start + 1;
-    auto line_of = [start](const std::string &text) {
-        std::size_t end = text.find('\n', start);
-        return shown(text.substr(start, end == std::string::npos ? end : end - start + 1).c_str());
-    };
-    return line_of(first) + " written again as " + line_of(second);
-}
 
 // ---- The round trip -------------------------------------------------------------
 

@@ -15,6 +15,8 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <sys/stat.h>
+#include <vector>
 
 using qx25test::ConfigTree;
 using qx25test::FakeDriver;
@@ -140,6 +142,33 @@ TEST_F(ToolTemplate, ConfigurationToTemplateAndBackGivesTheSameRecords) {
     wan.link = wan_link.config.wan.values.tuning.link;
     ASSERT_EQ(read_wan_template_parameters(2, &wan), 0);
     EXPECT_EQ(std::memcmp(&wan, &wan_link.config.wan.values.tuning, sizeof wan), 0);
+}
+
+// Save replaces the working file through a new file and a rename: the old
+// file's mode stays, a new file gets 0666 less the umask, nothing is left
+// beside it.
+TEST_F(ToolTemplate, SaveReplacesTheFileWholeAndKeepsItsMode) {
+    fs::create_directories(tree.config_dir() + "/template");
+    std::string old = template_path("LINK002_working.lapb");
+    tree.write("config/template/LINK002_working.lapb", "old\n");
+    fs::permissions(old, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    mode_t mask = ::umask(022);
+    auto first = run_tool({"template", "save", "2", "lapb"});
+    auto second = run_tool({"template", "save", "2", "wan"});
+    ::umask(mask);
+    EXPECT_EQ(first.status, 0);
+    EXPECT_EQ(second.status, 0);
+    EXPECT_EQ(read_file(old), example_template("LINK002_working.lapb"));
+    EXPECT_EQ(fs::status(old).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    EXPECT_EQ(fs::status(template_path("LINK002_working.wan")).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read |
+                  fs::perms::others_read);
+    std::vector<std::string> names;
+    for (const auto &entry : fs::directory_iterator(tree.config_dir() + "/template"))
+        names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"LINK002_working.lapb", "LINK002_working.wan"}));
 }
 
 TEST_F(ToolTemplate, SaveRefusesALayerTheLinkHasNot) {

@@ -6,6 +6,7 @@
 
 #include "captured_messages.h"
 #include "config_tree.h"
+#include "link_records.h"
 #include "link_config.h"
 #include "release.h"
 
@@ -317,27 +318,6 @@ const std::string mlp_file = ident + mlp_link + mlp_text + mlp_subsections + mlp
 
 // ---- Records ------------------------------------------------------------------
 
-// The static records as the update leaves them: every comment text, the
-// alias, description and PVCs of the link, the MLP subsection records.
-void release_static_records() {
-    free_link_item(&cs.values);
-    cs.values.subnet.name = cs.values.subnet.description = nullptr;
-    cs.values.pvcs = nullptr;
-    qx25tool::release(&cs);
-    qx25tool::release(&xs);
-    qx25tool::release(&ms);
-    qx25tool::release(&lbs);
-    qx25tool::release(&l2s);
-    qx25tool::release(&ws);
-    std::memset(&ids, 0, sizeof ids);
-    std::memset(&cs, 0, sizeof cs);
-    std::memset(&xs, 0, sizeof xs);
-    std::memset(&ms, 0, sizeof ms);
-    std::memset(&lbs, 0, sizeof lbs);
-    std::memset(&l2s, 0, sizeof l2s);
-    std::memset(&ws, 0, sizeof ws);
-}
-
 int index_of(const config_keyword *table, std::string_view name) {
     for (const config_keyword *row = table; row->name != nullptr; ++row)
         if (name == row->name) return row->index;
@@ -355,7 +335,7 @@ class Update : public testing::Test {
         std::memset(&c, 0, sizeof c);
     }
     void TearDown() override {
-        release_static_records();
+        qx25test::release_static_records();
         qx25tool::release(&c);
         for (device_type &row : __config_linktype)
             if (reinterpret_cast<uintptr_t>(row.comment) != 0xFFFFFFFEu) {

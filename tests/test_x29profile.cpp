@@ -73,6 +73,15 @@ TEST(ProfileItems, ParameterValues) {
     EXPECT_EQ(applied("Px#3"), "kind 2 T=0");
 }
 
+TEST(ProfileItems, AVariantKindKeepsTheLowByteOfItsNumberPlusThree) {
+    EXPECT_EQ(applied("V252"), "kind 255 T=0");
+    EXPECT_EQ(applied("V253"), "kind 0 T=0");
+    EXPECT_EQ(applied("V-3"), "kind 0 T=0");
+    EXPECT_EQ(applied("V2147483647"), "kind 2 T=0");
+    EXPECT_EQ(applied("V99999999999"), "kind 2 T=0");  // read as the largest int
+    EXPECT_EQ(applied("V-99999999999"), "kind 3 T=0"); // read as the smallest int
+}
+
 TEST(ProfileItems, OnlyPAndTInEitherCase) {
     EXPECT_EQ(applied("c"), "kind 0 T=0");
     EXPECT_EQ(applied("C:s"), "kind 1 T=0");

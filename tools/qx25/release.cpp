@@ -1,5 +1,7 @@
 #include "release.h"
 
+#include "link_config.h"
+
 #include <cstdlib>
 
 namespace qx25tool {
@@ -63,6 +65,15 @@ void release(link_config *config) {
     release(&config->lapb);
     release(&config->llc2);
     release(&config->wan);
+}
+
+void release(link_node *head) {
+    while (head != nullptr) {
+        link_node *next = head->next;
+        __release_link_section(&head->link);
+        std::free(head);
+        head = next;
+    }
 }
 
 } // namespace qx25tool

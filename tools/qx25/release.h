@@ -13,5 +13,8 @@ void release(llc2_section *llc2);
 void release(wan_section *wan);
 void release(mlp_section *mlp); // its subsection records too
 void release(link_config *config);
+// A chain of link nodes as link discovery or the import built it: each
+// node's texts and circuits, then the node.
+void release(link_node *head);
 
 } // namespace qx25tool

@@ -2,6 +2,7 @@
 // from the link's working template files, and sent to and fetched from the
 // drivers. The tuning record of a layer is the values block of its section
 // in the link's configuration file.
+#include "atomic_file.h"
 #include "command.h"
 
 #include "driver_exchange.h"
@@ -15,6 +16,8 @@
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -47,7 +50,6 @@ struct layer {
     unsigned link_kinds; // the kinds of link that have this layer
     const char *(*line_name)(int index);
     void (*from_config)(link_config &config, int link_number, tuning &record);
-    int (*write_working)(tuning &record);
     int (*read_file)(const char *path, tuning &record);
     void (*write_lines)(FILE *stream, const tuning &record);
     int (*put)(tuning &record);
@@ -60,7 +62,6 @@ const layer layers[] = {
          t.x25 = c.x25.values;
          t.x25.link = link;
      },
-     [](tuning &t) { return write__x25_template_parameters(&t.x25); },
      [](const char *path, tuning &t) { return read_x25_template_parameter_file(path, &t.x25); },
      [](FILE *stream, const tuning &t) { qx25::write_x25_template_lines(stream, t.x25); },
      [](tuning &t) { return put__x25_template_parameters(&t.x25); },
@@ -70,7 +71,6 @@ const layer layers[] = {
          t.lapb = c.lapb.values;
          t.lapb.link = link;
      },
-     [](tuning &t) { return write_lapb_template_parameters(&t.lapb); },
      [](const char *path, tuning &t) { return read_lapb_template_parameter_file(path, &t.lapb); },
      [](FILE *stream, const tuning &t) { qx25::write_lapb_template_lines(stream, t.lapb); },
      [](tuning &t) { return put_lapb_template_parameters(&t.lapb); },
@@ -80,7 +80,6 @@ const layer layers[] = {
          t.llc2 = c.llc2.values;
          t.llc2.link = link;
      },
-     [](tuning &t) { return write_llc2_template_parameters(&t.llc2); },
      [](const char *path, tuning &t) { return read_llc2_template_parameter_file(path, &t.llc2); },
      [](FILE *stream, const tuning &t) { qx25::write_llc2_template_lines(stream, t.llc2); },
      [](tuning &t) { return put_llc2_template_parameters(&t.llc2); },
@@ -90,7 +89,6 @@ const layer layers[] = {
          t.wan = c.wan.values.tuning;
          t.wan.link = link;
      },
-     [](tuning &t) { return write_wan_template_parameters(&t.wan); },
      [](const char *path, tuning &t) { return read_wan_template_parameter_file(path, &t.wan); },
      [](FILE *stream, const tuning &t) { qx25::write_wan_template_lines(stream, t.wan); },
      [](tuning &t) { return put_wan_template_parameters(&t.wan); },
@@ -171,19 +169,41 @@ bool tuning_from_config(const command &self, const target &named, tuning &record
     return true;
 }
 
+// The record as the library's template writer writes it to its file; false
+// (with errno) when no text could be made.
+bool written_form(const layer &of, const tuning &record, std::string &text) {
+    char *buffer = nullptr;
+    std::size_t size = 0;
+    FILE *stream = ::open_memstream(&buffer, &size);
+    if (stream == nullptr) return false;
+    of.write_lines(stream, record);
+    bool made = std::fclose(stream) == 0;
+    if (made) text.assign(buffer, size);
+    std::free(buffer);
+    return made;
+}
+
+// The status a template file made anew gets: the process's default mode
+// and owner, as the library's writer would give it.
+struct stat new_file_status() {
+    struct stat status {};
+    mode_t mask = ::umask(0);
+    ::umask(mask);
+    status.st_mode = 0666 & ~mask;
+    status.st_uid = ::geteuid();
+    status.st_gid = ::getegid();
+    return status;
+}
+
 // Shows a record as its template file holds it: line, keyword, value.
 int show_record(const command &self, const layer &of, const tuning &record) {
-    char *text = nullptr;
-    std::size_t size = 0;
-    FILE *stream = ::open_memstream(&text, &size);
-    if (stream == nullptr) {
+    std::string text;
+    if (!written_form(of, record, text)) {
         complain(self.name, std::string("cannot show the record: ") + std::strerror(errno));
         return exit_failure;
     }
-    of.write_lines(stream, record);
-    std::fclose(stream);
     std::vector<std::vector<std::string>> rows;
-    std::string_view rest(text, size);
+    std::string_view rest(text);
     for (int index = 0; !rest.empty(); ++index) {
         std::size_t end = rest.find('\n');
         std::string_view value = rest.substr(0, end);
@@ -192,7 +212,6 @@ int show_record(const command &self, const layer &of, const tuning &record) {
             {std::to_string(index + 1), name != nullptr ? name : "", std::string(value)});
         rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
     }
-    std::free(text);
     constexpr column columns[] = {{"LINE", true}, {"KEYWORD", false}, {"VALUE", false}};
     print_table(columns, rows);
     return exit_ok;
@@ -206,14 +225,31 @@ int save(const command &self, const target &named) {
     fs::create_directories(fs::path(path).parent_path(), error);
 
     collect_messages();
-    int result = named.of->write_working(record);
-    if (result != 0) {
-        complain(self.name, "cannot write " + path + ": " + open_failure_reason(path, result));
+    std::string text;
+    if (path.empty() || !written_form(*named.of, record, text)) {
+        complain(self.name, "cannot write " + path + ": " +
+                                std::strerror(path.empty() ? ENAMETOOLONG : errno));
+        return exit_failure;
+    }
+    // Never written in place: a new file beside the old one is renamed over
+    // it, so a failed write (a full disk) leaves the old file as it was.
+    // Only a regular file is replaced: a FIFO, device or directory in its
+    // place is refused and left where it is.
+    struct stat like {};
+    if (::stat(path.c_str(), &like) != 0)
+        like = new_file_status();
+    else if (!S_ISREG(like.st_mode)) {
+        complain(self.name, "cannot write " + path + ": " + open_failure_reason(path, EINVAL));
+        return exit_failure;
+    }
+    qx25tool::replacement done = qx25tool::replace_file(path, text, like);
+    if (!done.replaced) {
+        complain(self.name, done.failure);
         return exit_failure;
     }
     // What the library wrote must be what its reader takes back.
     tuning check{};
-    result = named.of->read_file(path.c_str(), check);
+    int result = named.of->read_file(path.c_str(), check);
     if (result != 0) {
         if (!complain_all(self.name, take_messages()))
             complain(self.name, path + ": " + std::strerror(result));

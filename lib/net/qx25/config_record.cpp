@@ -27,9 +27,6 @@ static_assert(pairs_then_values<llc2_section, LLC2_KEYWORDS>);
 static_assert(pairs_then_values<wan_section, WAN_KEYWORDS>);
 static_assert(pairs_then_values<mlp_section, MLP_KEYWORDS>);
 
-// The link record's address and names are copied out as one subnet_entry.
-static_assert(offsetof(subnet_entry, name) == sizeof(x25_address) + 4);
-
 extern "C" {
 
 config_identification ids;

@@ -67,7 +67,8 @@ int entry_ppa(const char *name, const char *device, int instance) {
     const char *dot = std::strrchr(name, '.');
     if (std::strlen(name) < 3 || dot == nullptr) return -1;
     char path[sizeof QX25_LLC2_DEFAULT_DIR + NAME_MAX];
-    std::snprintf(path, sizeof path, "%s%s", llc2_default_dir, name);
+    int length = std::snprintf(path, sizeof path, "%s%s", llc2_default_dir, name);
+    if (length < 0 || static_cast<std::size_t>(length) >= sizeof path) return -1;
     file_ptr stream(open_regular_file(path));
     if (!stream || !names_device(stream.get(), device, instance)) return -1;
     return decimal(dot + 1);

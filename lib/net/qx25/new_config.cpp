@@ -133,6 +133,26 @@ constexpr identification_field identification_fields[] = {
      Msg::DuplicateFileDate},
 };
 
+// Reads one physical line into physical_line as fgets does. The text of a
+// line ends at a NUL byte. A comment line that a NUL cut short keeps the
+// newline its line went on to, so that it stays a comment line of its own
+// and never runs into the next one; any other line is left as fgets gave it.
+bool read_physical_line(FILE *stream) {
+    // No newline can be left over from an earlier line: any newline behind
+    // the text was read now.
+    std::memset(physical_line, 1, sizeof physical_line);
+    if (std::fgets(physical_line, sizeof physical_line, stream) == nullptr) return false;
+    std::size_t length = std::strlen(physical_line);
+    if (length > 0 && physical_line[length - 1] == '\n') return true;
+    const char *text = physical_line + std::strspn(physical_line, " \t");
+    if (*text == '!' && length + 1 < sizeof physical_line &&
+        std::memchr(physical_line + length, '\n', sizeof physical_line - length) != nullptr) {
+        physical_line[length] = '\n';
+        physical_line[length + 1] = '\0';
+    }
+    return true;
+}
+
 void clear_comments(config_line *line) {
     line->comments[0] = '\0';
     line->trailer[0] = '\0';
@@ -160,8 +180,7 @@ int x25_read_config_line(FILE *stream, config_line *line) {
 
     for (;;) {
         errno = 0;
-        if (std::fgets(physical_line, sizeof physical_line, stream) == nullptr)
-            return read_failure(stream);
+        if (!read_physical_line(stream)) return read_failure(stream);
         ++line->line_no;
         char *text = physical_line + std::strspn(physical_line, " \t");
         if (*text == '\n') continue;

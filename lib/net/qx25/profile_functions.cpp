@@ -51,7 +51,10 @@ void apply_item(const char *item, x29_profile &profile) {
         profile.kind = X29_PROFILE_S;
         break;
     case 'V':
-        profile.kind = static_cast<uint8_t>(decimal(item + 1) + X29_PROFILE_V);
+        // The kind is the low byte of n + 3, computed without overflow for
+        // any n the text holds.
+        profile.kind = static_cast<uint8_t>(static_cast<unsigned>(decimal(item + 1)) +
+                                            static_cast<unsigned>(X29_PROFILE_V));
         break;
     case 'P':
     case 'p':
