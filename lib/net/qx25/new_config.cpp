@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
+#include <strings.h>
 
 using namespace qx25;
 
@@ -28,8 +29,6 @@ queued_line *cfg_queue = nullptr;
 
 // Physical lines are read through one buffer for the whole library.
 char physical_line[128];
-
-constexpr std::string_view blanks = " \t";
 
 bool is_blank(char c) {
     return c == ' ' || c == '\t';
@@ -51,6 +50,15 @@ void copy_field(char (&field)[N], std::string_view text, std::size_t limit) {
     std::size_t count = std::min({text.size(), limit, N});
     std::memcpy(field, text.data(), count);
     std::memset(field + count, 0, N - count);
+}
+
+// Copies as much of the text as the field holds, with its terminator. What
+// lies behind the terminator is left as it was: the fields of a line are
+// texts.
+template <std::size_t N> void copy_text(char (&field)[N], std::string_view text) {
+    std::size_t count = std::min(text.size(), N - 1);
+    std::memcpy(field, text.data(), count);
+    field[count] = '\0';
 }
 
 bool take_queued(FILE *stream, config_line *line) {
@@ -78,7 +86,28 @@ int read_failure(FILE *stream) {
     return errno != 0 ? errno : EINVAL;
 }
 
+bool ends_word(char c) {
+    return c == '\0' || c == ' ' || c == '\t' || c == '\n';
+}
+
+// The kind of a line from its first word, compared without regard to case.
+// Only a word of the length of one of the three names can be one of them.
+uint16_t line_kind(const char *word, std::size_t length) {
+    struct named_kind {
+        std::string_view name;
+        uint16_t kind;
+    };
+    static constexpr named_kind kinds[] = {{"SECTION", CONFIG_LINE_SECTION},
+                                           {"IDENTIFICATION", CONFIG_LINE_IDENTIFICATION},
+                                           {"SUBSECTION", CONFIG_LINE_SUBSECTION}};
+    for (const named_kind &k : kinds)
+        if (length == k.name.size() && strncasecmp(word, k.name.data(), length) == 0) return k.kind;
+    return CONFIG_LINE_KEYWORD;
+}
+
 // Splits a logical line (leading blanks already skipped) into its parts.
+// Runs for every line of every link file read: plain loops over the
+// characters, each looked at once or twice.
 void split_logical_line(char *text, config_line *line) {
     if (char *bang = std::strchr(text, '!')) {
         *bang = '\0';
@@ -91,25 +120,22 @@ void split_logical_line(char *text, config_line *line) {
             end[-1] = '\0';
     }
 
-    std::string_view rest(text);
-    std::size_t word_end = rest.find_first_of(" \t\n");
-    std::string_view word = rest.substr(0, word_end);
-    copy_field(line->keyword, word.substr(0, sizeof line->keyword - 1), sizeof line->keyword - 1);
+    const char *word_end = text;
+    while (!ends_word(*word_end))
+        ++word_end;
+    std::string_view word(text, static_cast<std::size_t>(word_end - text));
+    copy_text(line->keyword, word);
 
-    rest.remove_prefix(word.size());
-    std::size_t value_start = rest.find_first_not_of(blanks);
-    rest.remove_prefix(value_start == std::string_view::npos ? rest.size() : value_start);
-    rest = rest.substr(0, rest.find('\n'));
-    copy_field(line->value, rest.substr(0, sizeof line->value - 1), sizeof line->value - 1);
+    const char *value = word_end;
+    while (is_blank(*value))
+        ++value;
+    const char *value_end = value;
+    while (*value_end != '\0' && *value_end != '\n')
+        ++value_end;
+    std::string_view rest(value, static_cast<std::size_t>(value_end - value));
+    copy_text(line->value, rest);
 
-    if (strcasecmp(line->keyword, "SECTION") == 0)
-        line->kind = CONFIG_LINE_SECTION;
-    else if (strcasecmp(line->keyword, "IDENTIFICATION") == 0)
-        line->kind = CONFIG_LINE_IDENTIFICATION;
-    else if (strcasecmp(line->keyword, "SUBSECTION") == 0)
-        line->kind = CONFIG_LINE_SUBSECTION;
-    else
-        line->kind = CONFIG_LINE_KEYWORD;
+    line->kind = line_kind(line->keyword, std::min(word.size(), sizeof line->keyword - 1));
 }
 
 struct identification_field {
@@ -163,7 +189,9 @@ int x25_read_config_line(FILE *stream, config_line *line) {
         if (std::fgets(physical_line, sizeof physical_line, stream) == nullptr)
             return read_failure(stream);
         ++line->line_no;
-        char *text = physical_line + std::strspn(physical_line, " \t");
+        char *text = physical_line;
+        while (is_blank(*text))
+            ++text;
         if (*text == '\n') continue;
         if (*text == '!') {
             // The bound comes from this comment line; the field's own end
