@@ -8,6 +8,7 @@
 #include "numeric_locale.h"
 #include "paths.h"
 
+#include <cctype>
 #include <cerrno>
 #include <clocale>
 #include <cmath>
@@ -475,8 +476,11 @@ constexpr keyword_rule mlp_rules[MLP_KEYWORDS] = {
 #undef QX25_FIELD
 
 int keyword_index(const config_keyword *table, const char *keyword) {
+    // The first letter rules out most rows before a whole comparison.
+    auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
+    int first = lower(keyword[0]);
     for (const config_keyword *row = table; row->name != nullptr; ++row)
-        if (strcasecmp(row->name, keyword) == 0) return row->index;
+        if (lower(row->name[0]) == first && strcasecmp(row->name, keyword) == 0) return row->index;
     return -1;
 }
 
