@@ -25,8 +25,9 @@ bool keep_if_regular(int fd) {
         errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
         return false;
     }
-    int flags = fcntl(fd, F_GETFL);
-    if (flags == -1 || fcntl(fd, F_SETFL, flags & ~O_NONBLOCK) == -1) {
+    // The descriptor was opened with O_NONBLOCK as its only status flag:
+    // clearing them all turns blocking back on in one call.
+    if (fcntl(fd, F_SETFL, 0) == -1) {
         int saved = errno;
         close(fd);
         errno = saved;
