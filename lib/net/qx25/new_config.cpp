@@ -61,6 +61,20 @@ template <std::size_t N> void copy_text(char (&field)[N], std::string_view text)
     field[count] = '\0';
 }
 
+// Adds a comment line (from its "!" on) to the line's comments. The bound
+// comes from this comment line; the field's own end is what really stops a
+// long run of comments.
+void append_comment(config_line *line, const char *bang) {
+    std::size_t bound = 1023 - std::strlen(bang);
+    append_bounded(line->comments, bang + 1, bound);
+}
+
+// Puts a physical line into the shared line buffer as fgets would.
+void take_into_line_buffer(const char *start, std::size_t length) {
+    std::memcpy(physical_line, start, length);
+    physical_line[length] = '\0';
+}
+
 bool take_queued(FILE *stream, config_line *line) {
     for (queued_line **link = &cfg_queue; *link != nullptr; link = &(*link)->next) {
         queued_line *node = *link;
@@ -164,7 +178,132 @@ void clear_comments(config_line *line) {
     line->trailer[0] = '\0';
 }
 
+// Takes the physical line in physical_line: a blank line is passed over,
+// a comment line adds to the comments, anything else is the logical line,
+// taken apart (true).
+bool take_physical_line(config_line *line) {
+    ++line->line_no;
+    char *text = physical_line;
+    while (is_blank(*text))
+        ++text;
+    if (*text == '\n') return false;
+    if (*text == '!') {
+        append_comment(line, text);
+        return false;
+    }
+    split_logical_line(text, line);
+    return true;
+}
+
+// The kind of the logical line that begins at `text`, from its first word
+// as the split would cut it (a "!" ends the line); `end` bounds the text,
+// which need not be terminated there. Only a word that begins with an S or
+// an I and is at most 14 characters long is looked at closely.
+uint16_t heading_kind(const char *text, const char *end) {
+    constexpr std::size_t longest_heading = 14;
+    if (text == end || (*text != 'S' && *text != 's' && *text != 'I' && *text != 'i'))
+        return CONFIG_LINE_KEYWORD;
+    const char *limit = std::min(end, text + longest_heading + 1);
+    const char *word_end = text;
+    while (word_end < limit && !ends_word(*word_end) && *word_end != '!')
+        ++word_end;
+    if (word_end == text + longest_heading + 1) return CONFIG_LINE_KEYWORD;
+    return line_kind(text, static_cast<std::size_t>(word_end - text));
+}
+
 } // namespace
+
+namespace qx25 {
+
+config_block_reader::config_block_reader(FILE *stream)
+    : stream_(stream), block_(static_cast<char *>(std::malloc(block_size))) {}
+
+config_block_reader::~config_block_reader() {
+    std::free(block_);
+}
+
+bool config_block_reader::next_physical_line(const char *&start, std::size_t &length,
+                                             config_line *line) {
+    constexpr std::size_t longest = sizeof physical_line - 1;
+    if (held_ - used_ < longest && !at_end_) {
+        // The comments put off are in the part of the block that goes.
+        add_put_off_comments(line);
+        std::memmove(block_, block_ + used_, held_ - used_);
+        held_ -= used_;
+        used_ = 0;
+        errno = 0;
+        std::size_t wanted = block_size - held_;
+        std::size_t got = std::fread(block_ + held_, 1, wanted, stream_);
+        held_ += got;
+        if (got < wanted) {
+            at_end_ = true;
+            if (std::ferror(stream_)) error_ = errno != 0 ? errno : EINVAL;
+        }
+    }
+    if (used_ == held_) return false;
+    length = std::min(held_ - used_, longest);
+    start = block_ + used_;
+    if (const void *newline = std::memchr(start, '\n', length))
+        length = static_cast<const char *>(newline) - start + 1;
+    else if (length < longest && error_ != 0)
+        return false; // cut short by the error, the line is lost
+    used_ += length;
+    return true;
+}
+
+void config_block_reader::put_off_comment(const char *start, std::size_t length,
+                                          config_line *line) {
+    if (put_off_count_ == max_put_off) add_put_off_comments(line);
+    put_off_[put_off_count_++] = {static_cast<std::size_t>(start - block_), length};
+}
+
+void config_block_reader::add_put_off_comments(config_line *line) {
+    for (std::size_t i = 0; i < put_off_count_; ++i) {
+        take_into_line_buffer(block_ + put_off_[i].start, put_off_[i].length);
+        append_comment(line, std::strchr(physical_line, '!')); // after blanks only
+    }
+    put_off_count_ = 0;
+}
+
+int config_block_reader::read(config_line *line, logical_line wanted) {
+    if (take_queued(stream_, line)) return 0;
+    const char *start;
+    std::size_t length;
+    while (next_physical_line(start, length, line)) {
+        if (wanted == logical_line::heading) {
+            // Classified where it lies in the block; only a comment
+            // before a heading, and the heading, are copied out.
+            const char *end = start + length;
+            const char *text = start;
+            while (text < end && is_blank(*text))
+                ++text;
+            if (text < end && *text == '\n') {
+                ++line->line_no;
+                continue;
+            }
+            if (text < end && *text == '!') {
+                ++line->line_no;
+                put_off_comment(start, length, line);
+                continue;
+            }
+            if (heading_kind(text, end) == CONFIG_LINE_KEYWORD) {
+                // As if a caller had read the line and emptied the
+                // comments for the next one.
+                ++line->line_no;
+                put_off_count_ = 0;
+                clear_comments(line);
+                continue;
+            }
+            add_put_off_comments(line);
+        }
+        take_into_line_buffer(start, length);
+        if (take_physical_line(line)) return 0;
+    }
+    add_put_off_comments(line);
+    return error_ != 0 ? error_ : -1;
+}
+
+} // namespace qx25
 
 extern "C" {
 
@@ -188,20 +327,7 @@ int x25_read_config_line(FILE *stream, config_line *line) {
         errno = 0;
         if (std::fgets(physical_line, sizeof physical_line, stream) == nullptr)
             return read_failure(stream);
-        ++line->line_no;
-        char *text = physical_line;
-        while (is_blank(*text))
-            ++text;
-        if (*text == '\n') continue;
-        if (*text == '!') {
-            // The bound comes from this comment line; the field's own end
-            // is what really stops a long run of comments.
-            std::size_t bound = 1023 - std::strlen(text);
-            append_bounded(line->comments, text + 1, bound);
-            continue;
-        }
-        split_logical_line(text, line);
-        return 0;
+        if (take_physical_line(line)) return 0;
     }
 }
 

@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string_view>
 #include <strings.h>
 
@@ -987,10 +988,21 @@ int read_file(reader &r, config_identification *ids) {
     *r.mode = 0;
     config_line line{};
     int result;
+    // Lines are read one at a time while they go to a record. From the
+    // first section that no record takes, the rest of the file is read in
+    // blocks, and the keyword lines of such sections are not even taken
+    // apart: a reader asking for SECTION LINK alone passes over most of
+    // the file.
+    std::optional<config_block_reader> blocks;
     for (;;) {
         line.comments[0] = '\0';
         line.trailer[0] = '\0';
-        if ((result = x25_read_config_line(stream, &line)) != 0) break;
+        if (blocks)
+            result =
+                blocks->read(&line, r.section == 0 ? logical_line::heading : logical_line::split);
+        else
+            result = x25_read_config_line(stream, &line);
+        if (result != 0) break;
         switch (line.kind) {
         case CONFIG_LINE_IDENTIFICATION:
             report(__parse_error_function, Msg::UnexpectedIdentification);
@@ -1004,7 +1016,11 @@ int read_file(reader &r, config_identification *ids) {
             break;
         default:
             r.keyword_line(line);
-            break;
+            continue;
+        }
+        if (r.section == 0 && !blocks) {
+            blocks.emplace(stream);
+            if (!blocks->ready()) blocks.reset();
         }
     }
     if (result != -1)
