@@ -348,6 +348,13 @@ void fill_identification(const config_line *line, config_identification *ids) {
 }
 
 FILE *x25_open_config_file(const char *name, config_identification *ids, int mode) {
+    return qx25::open_config_stream(name, ids, mode, {});
+}
+
+} // extern "C"
+
+FILE *qx25::open_config_stream(const char *name, config_identification *ids, int mode,
+                               std::span<char> buffer) {
     if (name == nullptr || ids == nullptr) {
         report(__config_error_function, Msg::NullOpenConfigFile);
         return nullptr;
@@ -360,6 +367,7 @@ FILE *x25_open_config_file(const char *name, config_identification *ids, int mod
         if (mode != X25_CONFIG_SILENT) report(__config_error_function, Msg::ErrorOpeningFile, name);
         return nullptr;
     }
+    if (!buffer.empty()) std::setvbuf(stream, buffer.data(), _IOFBF, buffer.size());
     drop_queued(stream);
 
     auto fail = [stream](auto... report_args) -> FILE * {
@@ -388,5 +396,3 @@ FILE *x25_open_config_file(const char *name, config_identification *ids, int mod
     __unread_config_line(stream, &line);
     return stream;
 }
-
-} // extern "C"

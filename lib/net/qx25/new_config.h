@@ -4,6 +4,7 @@
 #include "qx25.h"
 
 #include <cstddef>
+#include <span>
 
 extern "C" {
 
@@ -16,6 +17,11 @@ void fill_identification(const config_line *line, config_identification *ids);
 }
 
 namespace qx25 {
+
+// x25_open_config_file, with `buffer`, when not empty, as the stream's
+// buffer: it must outlive the stream.
+FILE *open_config_stream(const char *name, config_identification *ids, int mode,
+                         std::span<char> buffer);
 
 // What a reader of logical lines wants of each.
 enum class logical_line {

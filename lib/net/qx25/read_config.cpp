@@ -979,7 +979,10 @@ int read_file(reader &r, config_identification *ids) {
     load_defaults(*r.link, r.x25, r.mlp, r.lapb, r.llc2, r.wan);
 
     errno = 0;
-    FILE *stream = x25_open_config_file(r.file_name, ids, *r.mode);
+    // The stream's buffer: a link file is read with one or two reads, and
+    // the C library does not ask the file system for a size of its own.
+    char buffer[16384];
+    FILE *stream = open_config_stream(r.file_name, ids, *r.mode, buffer);
     if (stream == nullptr) {
         if (*r.mode == X25_CONFIG_SILENT) return 0;
         return errno != 0 ? errno : EBADF;
