@@ -9,6 +9,7 @@
 #include "captured_messages.h"
 #include "config_tree.h"
 #include "link_file_generator.h"
+#include "new_config.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <string>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -193,19 +193,17 @@ TEST_F(ConfigBlocks, ALastLineWithoutNewline) {
 // A read error ends the reading where it happens: the lines before it are
 // taken, the line it cuts is lost, and the error is reported.
 TEST_F(ConfigBlocks, AReadErrorAmongLinesPassedOver) {
-    std::string path = tree.write("config/config/l.cfg", "");
-    struct stat status {};
-    ASSERT_EQ(::stat(path.c_str(), &status), 0);
-    auto buffered = static_cast<std::size_t>(status.st_blksize);
-    // The stream buffers st_blksize bytes at a time; reading fails right
-    // after the first of them, in the middle of SECTION cut.
+    // The stream is given a buffer of config_stream_buffer_size bytes and
+    // fills it at the first read; reading fails right after those, in the
+    // middle of SECTION cut.
+    const std::size_t buffered = qx25::config_stream_buffer_size;
     std::string text = head + "SECTION X25\nSECTION before\n";
     while (text.size() < buffered - 5)
         text += "\tk v\n";
     text.resize(buffered - 5, '\n');
     text += "SECTION cut\n\tafter\nSECTION LINK\n\talias never\n";
     ASSERT_EQ(text.substr(buffered - 5, 11), "SECTION cut");
-    tree.write("config/config/l.cfg", text);
+    std::string path = tree.write("config/config/l.cfg", text);
 
     fail_after_buffered = true;
     std::string got = read_link_only(path);

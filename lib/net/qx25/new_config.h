@@ -18,6 +18,10 @@ void fill_identification(const config_line *line, config_identification *ids);
 
 namespace qx25 {
 
+// The buffer the link reader gives the stream of a link file: most files
+// are read whole with one read.
+inline constexpr std::size_t config_stream_buffer_size = 16384;
+
 // x25_open_config_file, with `buffer`, when not empty, as the stream's
 // buffer: it must outlive the stream.
 FILE *open_config_stream(const char *name, config_identification *ids, int mode,

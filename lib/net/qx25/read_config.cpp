@@ -981,7 +981,7 @@ int read_file(reader &r, config_identification *ids) {
     errno = 0;
     // The stream's buffer: a link file is read with one or two reads, and
     // the C library does not ask the file system for a size of its own.
-    char buffer[16384];
+    char buffer[config_stream_buffer_size];
     FILE *stream = open_config_stream(r.file_name, ids, *r.mode, buffer);
     if (stream == nullptr) {
         if (*r.mode == X25_CONFIG_SILENT) return 0;
