@@ -63,19 +63,23 @@ void text_database::finish() {
     stream_ = nullptr;
 }
 
+namespace {
+
+// Whether the parser's verdict on a line ends a search; `found` tells
+// whether it ends with an entry.
+bool ends_search(line_verdict verdict, bool &found) {
+    found = verdict == line_verdict::entry;
+    return verdict != line_verdict::skip;
+}
+
+} // namespace
+
 bool text_database::next(parser parse) {
     if (!open()) return false;
     at_start_ = false;
-    while (read_database_line(stream_, line, sizeof line, false)) {
-        switch (parse(line)) {
-        case line_verdict::entry:
-            return true;
-        case line_verdict::stop:
-            return false;
-        case line_verdict::skip:
-            break;
-        }
-    }
+    bool found;
+    while (read_database_line(stream_, line, sizeof line, false))
+        if (ends_search(parse(line), found)) return found;
     return false;
 }
 
@@ -123,44 +127,33 @@ bool text_database::next_holding(const char *needle, parser parse) {
                 return false;
             block_offset = ftello(stream_);
             held = 0;
-            if (line[0] != '#' && std::strstr(line, needle) != nullptr) {
-                switch (parse(line)) {
-                case line_verdict::entry:
-                    return true;
-                case line_verdict::stop:
-                    return false;
-                case line_verdict::skip:
-                    break;
-                }
-            }
+            bool found;
+            if (std::strstr(line, needle) != nullptr && ends_search(parse(line), found))
+                return found;
             continue;
         }
 
         // Every line that holds the needle, in file order.
         const char *region_end = block + whole;
         for (const char *from = block; from < region_end;) {
-            const char *found =
+            const char *hit =
                 static_cast<const char *>(::memmem(from, region_end - from, needle, needle_length));
-            if (found == nullptr) break;
-            const char *start = static_cast<const char *>(::memrchr(from, '\n', found - from));
+            if (hit == nullptr) break;
+            const char *start = static_cast<const char *>(::memrchr(from, '\n', hit - from));
             start = start != nullptr ? start + 1 : from;
             const char *newline =
-                static_cast<const char *>(std::memchr(found, '\n', region_end - found));
+                static_cast<const char *>(std::memchr(hit, '\n', region_end - hit));
             const char *end = newline != nullptr ? newline : region_end;
             from = newline != nullptr ? newline + 1 : region_end;
             if (*start == '#') continue;
             as_database_line(start, end - start, newline != nullptr, line);
-            switch (parse(line)) {
-            case line_verdict::entry:
-                // Where reading line by line would have stopped.
-                if (stay_open_ && fseeko(stream_, block_offset + (from - block), SEEK_SET) != 0)
-                    return false;
-                return true;
-            case line_verdict::stop:
+            bool found;
+            if (!ends_search(parse(line), found)) continue;
+            // Where reading line by line would have stopped.
+            if (found && stay_open_ &&
+                fseeko(stream_, block_offset + (from - block), SEEK_SET) != 0)
                 return false;
-            case line_verdict::skip:
-                break;
-            }
+            return found;
         }
         if (at_end) return false;
         std::memmove(block, region_end, held - whole);
