@@ -45,12 +45,16 @@ struct checked_links {
     }
 };
 
-void BM_stox25(benchmark::State &state) {
+void convert_to_records(benchmark::State &state, unsigned check) {
     x25_address address;
     for (auto _ : state)
         for (const char *text : x25_texts)
-            benchmark::DoNotOptimize(stox25(text, &address, 0));
+            benchmark::DoNotOptimize(stox25(text, &address, check));
     state.SetItemsProcessed(state.iterations() * x25_texts.size());
+}
+
+void BM_stox25(benchmark::State &state) {
+    convert_to_records(state, 0);
 }
 BENCHMARK(BM_stox25);
 
@@ -58,11 +62,7 @@ BENCHMARK(BM_stox25);
 // LINK of that link's file: the check costs a file read.
 void BM_stox25_checked(benchmark::State &state) {
     checked_links links;
-    x25_address address;
-    for (auto _ : state)
-        for (const char *text : x25_texts)
-            benchmark::DoNotOptimize(stox25(text, &address, 1));
-    state.SetItemsProcessed(state.iterations() * x25_texts.size());
+    convert_to_records(state, 1);
 }
 BENCHMARK(BM_stox25_checked);
 
@@ -82,28 +82,25 @@ std::array<x25_address, x25_texts.size()> parsed_addresses() {
     return addresses;
 }
 
-void BM_x25tos(benchmark::State &state) {
+void convert_to_texts(benchmark::State &state, unsigned check) {
     auto addresses = parsed_addresses();
     char text[X25_ADDRESS_TEXT_MAX];
     for (auto _ : state)
         for (const x25_address &address : addresses) {
-            benchmark::DoNotOptimize(x25tos(&address, text, 0));
+            benchmark::DoNotOptimize(x25tos(&address, text, check));
             benchmark::ClobberMemory();
         }
     state.SetItemsProcessed(state.iterations() * addresses.size());
+}
+
+void BM_x25tos(benchmark::State &state) {
+    convert_to_texts(state, 0);
 }
 BENCHMARK(BM_x25tos);
 
 void BM_x25tos_checked(benchmark::State &state) {
     checked_links links;
-    auto addresses = parsed_addresses();
-    char text[X25_ADDRESS_TEXT_MAX];
-    for (auto _ : state)
-        for (const x25_address &address : addresses) {
-            benchmark::DoNotOptimize(x25tos(&address, text, 1));
-            benchmark::ClobberMemory();
-        }
-    state.SetItemsProcessed(state.iterations() * addresses.size());
+    convert_to_texts(state, 1);
 }
 BENCHMARK(BM_x25tos_checked);
 

@@ -5,7 +5,6 @@
 #include "qx25.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <unistd.h>
 
@@ -34,13 +33,7 @@ int main() {
     counted("x25_find_link_parameters, 255 links", [] {
         link_node *head = nullptr;
         x25_find_link_parameters(&head);
-        while (head != nullptr) {
-            link_node *next = head->next;
-            free_link_item(&head->link.values);
-            free_link_comments(&head->link);
-            std::free(head);
-            head = next;
-        }
+        qx25bench::release_chain(head);
     });
     counted("getxhostbyname, 100 lines", [] { getxhostbyname("host99"); });
     counted("fgets loop, 100 lines", [&tree] {

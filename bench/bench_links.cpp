@@ -8,7 +8,6 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <string>
@@ -25,16 +24,6 @@ void link_counts(benchmark::internal::Benchmark *benchmark) {
         benchmark->Arg(links);
 }
 
-void release_chain(link_node *head) {
-    while (head != nullptr) {
-        link_node *next = head->next;
-        free_link_item(&head->link.values);
-        free_link_comments(&head->link);
-        std::free(head);
-        head = next;
-    }
-}
-
 // Discovery and the release of the chain it builds.
 void BM_find_link_parameters(benchmark::State &state) {
     qx25bench::bench_tree tree;
@@ -43,7 +32,7 @@ void BM_find_link_parameters(benchmark::State &state) {
     for (auto _ : state) {
         link_node *head = nullptr;
         if (x25_find_link_parameters(&head) != 0) state.SkipWithError("discovery failed");
-        release_chain(head);
+        qx25bench::release_chain(head);
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }

@@ -129,4 +129,14 @@ void write_links(const bench_tree &tree, int count) {
     tree.write("pvcmapconf", pvcs);
 }
 
+void release_chain(link_node *head) {
+    while (head != nullptr) {
+        link_node *next = head->next;
+        free_link_item(&head->link.values);
+        free_link_comments(&head->link);
+        std::free(head);
+        head = next;
+    }
+}
+
 } // namespace qx25bench

@@ -4,6 +4,8 @@
 // files the benchmarks read (xhosts, padmapconf, link files).
 #pragma once
 
+#include "qx25.h"
+
 #include <string>
 #include <string_view>
 
@@ -47,5 +49,8 @@ void write_links(const bench_tree &tree, int count);
 
 // The text of link file i as write_links writes it.
 std::string link_text(int i);
+
+// Releases a chain that link discovery built.
+void release_chain(link_node *head);
 
 } // namespace qx25bench
