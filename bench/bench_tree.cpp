@@ -1,5 +1,6 @@
 #include "bench_tree.h"
 
+#include "link_config.h"
 #include "link_file_generator.h"
 
 #include <cctype>
@@ -132,8 +133,7 @@ void write_links(const bench_tree &tree, int count) {
 void release_chain(link_node *head) {
     while (head != nullptr) {
         link_node *next = head->next;
-        free_link_item(&head->link.values);
-        free_link_comments(&head->link);
+        __release_link_section(&head->link);
         std::free(head);
         head = next;
     }

@@ -8,6 +8,7 @@
 
 #include "captured_messages.h"
 #include "config_tree.h"
+#include "link_config.h"
 #include "link_file_generator.h"
 #include "new_config.h"
 
@@ -84,8 +85,7 @@ std::string read_link_only(const std::string &path) {
                text_or_null(link.keyword[i].trailer) + "\n";
     for (const std::string &message : qx25test::messages())
         got += "message " + message;
-    free_link_comments(&link);
-    free_link_item(&link.values);
+    __release_link_section(&link);
     return got;
 }
 

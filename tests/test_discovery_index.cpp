@@ -7,6 +7,7 @@
 
 #include "captured_messages.h"
 #include "config_tree.h"
+#include "link_config.h"
 #include "link_files.h"
 
 #include <gtest/gtest.h>
@@ -61,8 +62,7 @@ std::string discovered() {
         got += "\n";
         before = node;
         link_node *next = node->next;
-        free_link_item(&node->link.values);
-        free_link_comments(&node->link);
+        __release_link_section(&node->link);
         std::free(node);
         node = next;
     }
