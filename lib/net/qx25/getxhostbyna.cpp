@@ -27,7 +27,7 @@ xhost_entry *getxhostbyname(const char *name) {
     if (name == nullptr) return nullptr;
     wanted_name = name;
     setxhostent(0);
-    bool found = xhosts.next(parse_if_named);
+    bool found = xhosts.next_holding(name, parse_if_named);
     endxhostent();
     return found ? &xhost : nullptr;
 }

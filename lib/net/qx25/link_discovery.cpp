@@ -8,10 +8,12 @@
 #include "messages.h"
 #include "paths.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dirent.h>
 #include <string_view>
 #include <unistd.h>
@@ -119,6 +121,83 @@ void discard(link_node *node) {
     std::free(node);
 }
 
+// The links discovery has taken so far, indexed so that neither the
+// device check nor the ordering walks the chain for each new link: the
+// devices in use as a sorted array of keys, and the nodes by link number.
+// Without the memory for it, discovery walks the chain as it goes.
+class link_index {
+  public:
+    link_index()
+        : by_number_(static_cast<link_node **>(std::calloc(numbers, sizeof(link_node *)))) {}
+    ~link_index() {
+        std::free(by_number_);
+        std::free(devices_);
+    }
+    link_index(const link_index &) = delete;
+    link_index &operator=(const link_index &) = delete;
+
+    bool ready() const { return by_number_ != nullptr; }
+
+    // Whether a link taken uses one of the link's devices.
+    bool device_taken(const link_values &link) const {
+        for (int i = 0; i < device_count(link); ++i)
+            if (std::binary_search(devices_, devices_ + device_total_, device_key(link, i)))
+                return true;
+        return false;
+    }
+
+    // Takes the node; false when there is no memory for its devices.
+    bool take(link_node *node) {
+        const link_values &link = node->link.values;
+        std::size_t needed = device_total_ + static_cast<std::size_t>(device_count(link));
+        if (needed > device_room_) {
+            std::size_t room = std::max<std::size_t>(2 * device_room_, 64);
+            auto *grown = static_cast<uint32_t *>(std::realloc(devices_, room * sizeof(uint32_t)));
+            if (grown == nullptr) return false;
+            devices_ = grown;
+            device_room_ = room;
+        }
+        for (int i = 0; i < device_count(link); ++i) {
+            uint32_t key = device_key(link, i);
+            uint32_t *at = std::upper_bound(devices_, devices_ + device_total_, key);
+            std::memmove(at + 1, at, (devices_ + device_total_ - at) * sizeof *at);
+            *at = key;
+            ++device_total_;
+        }
+        by_number_[link_number(node)] = node;
+        return true;
+    }
+
+    // The nodes taken, chained in ascending link number.
+    link_node *chain() const {
+        link_node *head = nullptr;
+        link_node *last = nullptr;
+        for (std::size_t number = 0; number < numbers; ++number) {
+            link_node *node = by_number_[number];
+            if (node == nullptr) continue;
+            node->prev = last;
+            node->next = nullptr;
+            (last != nullptr ? last->next : head) = node;
+            last = node;
+        }
+        return head;
+    }
+
+  private:
+    // Link files are numbered with four digits.
+    static constexpr std::size_t numbers = 10000;
+
+    static uint32_t device_key(const link_values &link, int i) {
+        return uint32_t{link.device_type[i]} << 16 | uint32_t{link.device_board[i]} << 8 |
+               link.device_line[i];
+    }
+
+    link_node **by_number_;
+    uint32_t *devices_ = nullptr;
+    std::size_t device_total_ = 0;
+    std::size_t device_room_ = 0;
+};
+
 bool in_chain(const link_node *head, uint32_t number) {
     for (const link_node *node = head; node != nullptr; node = node->next)
         if (link_number(node) == number) return true;
@@ -196,19 +275,29 @@ int x25_find_link_parameters(link_node **head) {
             report<path_report_size>(__parse_error_function, Msg::ErrorOpeningDirectory, path);
             return EBADF;
         }
+        link_index index;
+        bool indexed = index.ready();
         for (const char *name = entries.next(); name != nullptr; name = entries.next()) {
             link_node *node = nullptr;
             int result = process_dp(name, &node);
             if (result == read_failed) ++failed;
             if (result != node_read) continue;
             ++read;
-            if (__device_used(&node->link.values, *head)) {
+            bool taken = indexed ? index.device_taken(node->link.values)
+                                 : __device_used(&node->link.values, *head) != 0;
+            if (taken) {
                 report<entry_report_size>(__parse_error_function, Msg::DuplicateDevice, name);
                 discard(node);
                 continue;
             }
-            insert_in_order(head, node);
+            if (indexed && !index.take(node)) {
+                // Out of memory for the index: on with the chain itself.
+                *head = index.chain();
+                indexed = false;
+            }
+            if (!indexed) insert_in_order(head, node);
         }
+        if (indexed) *head = index.chain();
     }
 
     if (read == 0 && failed > 0) return ENOENT;

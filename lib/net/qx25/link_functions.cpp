@@ -56,18 +56,48 @@ link_node *find_link(link_node *head, std::int32_t number) {
     return nullptr;
 }
 
-// Puts the record at the end of the link's circuits.
-void append(link_values &link, pvc_entry *record) {
+// Puts the record at the end of the link's circuits; `last` is the last
+// circuit of the link when known, else null.
+void append(link_values &link, pvc_entry *record, pvc_entry *last) {
     if (link.pvcs == nullptr) {
         link.pvcs = record;
         return;
     }
-    pvc_entry *last = link.pvcs;
+    if (last == nullptr) last = link.pvcs;
     while (last->next != nullptr)
         last = last->next;
     last->next = record;
     record->prev = last;
 }
+
+// The link a circuit goes to. The lines of one link usually follow each
+// other: the link of the line before and its last circuit are kept, so
+// that such a run costs neither a walk of the chain nor of the circuits.
+class circuit_target {
+  public:
+    explicit circuit_target(link_node *head) : head_(head) {}
+
+    // The first node of the chain with the number, or null.
+    link_node *node_for(std::int32_t number) {
+        if (node_ == nullptr || number != number_) {
+            node_ = find_link(head_, number);
+            number_ = number;
+            last_ = nullptr;
+        }
+        return node_;
+    }
+    // Appends the record to the node node_for gave last.
+    void append_to_node(pvc_entry *record) {
+        append(node_->link.values, record, last_);
+        last_ = record;
+    }
+
+  private:
+    link_node *head_;
+    link_node *node_ = nullptr;
+    std::int32_t number_ = 0;
+    pvc_entry *last_ = nullptr;
+};
 
 } // namespace
 
@@ -135,6 +165,7 @@ void __fill_PVC_lists(link_node *head) {
     if (!stream) return;
 
     char line[line_size];
+    circuit_target target(head);
     for (line_read status;
          (status = read_bounded_line(stream.get(), line, sizeof line)) != line_read::end;) {
         // An overlong line is malformed: skipped like a wrong field count. Its
@@ -152,13 +183,12 @@ void __fill_PVC_lists(link_node *head) {
             std::free(record);
             continue;
         }
-        link_node *node = find_link(head, record->link);
-        if (node == nullptr) {
+        if (target.node_for(record->link) == nullptr) {
             report(__link_error_function, Msg::PvcForUnconfiguredLink, record->link);
             std::free(record);
             continue;
         }
-        append(node->link.values, record);
+        target.append_to_node(record);
     }
 }
 

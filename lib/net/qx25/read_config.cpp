@@ -8,11 +8,13 @@
 #include "numeric_locale.h"
 #include "paths.h"
 
+#include <cctype>
 #include <cerrno>
 #include <clocale>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string_view>
 #include <strings.h>
 
@@ -475,8 +477,11 @@ constexpr keyword_rule mlp_rules[MLP_KEYWORDS] = {
 #undef QX25_FIELD
 
 int keyword_index(const config_keyword *table, const char *keyword) {
+    // The first letter rules out most rows before a whole comparison.
+    auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
+    int first = lower(keyword[0]);
     for (const config_keyword *row = table; row->name != nullptr; ++row)
-        if (strcasecmp(row->name, keyword) == 0) return row->index;
+        if (lower(row->name[0]) == first && strcasecmp(row->name, keyword) == 0) return row->index;
     return -1;
 }
 
@@ -974,7 +979,10 @@ int read_file(reader &r, config_identification *ids) {
     load_defaults(*r.link, r.x25, r.mlp, r.lapb, r.llc2, r.wan);
 
     errno = 0;
-    FILE *stream = x25_open_config_file(r.file_name, ids, *r.mode);
+    // The stream's buffer: a link file is read with one or two reads, and
+    // the C library does not ask the file system for a size of its own.
+    char buffer[config_stream_buffer_size];
+    FILE *stream = open_config_stream(r.file_name, ids, *r.mode, buffer);
     if (stream == nullptr) {
         if (*r.mode == X25_CONFIG_SILENT) return 0;
         return errno != 0 ? errno : EBADF;
@@ -983,10 +991,21 @@ int read_file(reader &r, config_identification *ids) {
     *r.mode = 0;
     config_line line{};
     int result;
+    // Lines are read one at a time while they go to a record. From the
+    // first section that no record takes, the rest of the file is read in
+    // blocks, and the keyword lines of such sections are not even taken
+    // apart: a reader asking for SECTION LINK alone passes over most of
+    // the file.
+    std::optional<config_block_reader> blocks;
     for (;;) {
         line.comments[0] = '\0';
         line.trailer[0] = '\0';
-        if ((result = x25_read_config_line(stream, &line)) != 0) break;
+        if (blocks)
+            result =
+                blocks->read(&line, r.section == 0 ? logical_line::heading : logical_line::split);
+        else
+            result = x25_read_config_line(stream, &line);
+        if (result != 0) break;
         switch (line.kind) {
         case CONFIG_LINE_IDENTIFICATION:
             report(__parse_error_function, Msg::UnexpectedIdentification);
@@ -1000,7 +1019,11 @@ int read_file(reader &r, config_identification *ids) {
             break;
         default:
             r.keyword_line(line);
-            break;
+            continue;
+        }
+        if (r.section == 0 && !blocks) {
+            blocks.emplace(stream);
+            if (!blocks->ready()) blocks.reset();
         }
     }
     if (result != -1)

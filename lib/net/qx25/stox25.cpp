@@ -2,6 +2,7 @@
 #include "qx25.h"
 
 #include "nibbles.h"
+#include "subnetwork_prefix.h"
 
 #include <cstring>
 
@@ -11,9 +12,9 @@ namespace {
 
 constexpr int lan_class = 1;
 constexpr int x25_1980_class = 2;
-constexpr int max_dte_nibbles = 2 * sizeof(x25_address::dte);
-constexpr int max_ext_nibbles = 2 * sizeof(x25_address::ext);
-constexpr int lan_dte_nibbles = 14; // 12 of MAC address, 2 of LSAP
+constexpr unsigned max_dte_nibbles = 2 * sizeof(x25_address::dte);
+constexpr unsigned max_ext_nibbles = 2 * sizeof(x25_address::ext);
+constexpr unsigned lan_dte_nibbles = 14; // 12 of MAC address, 2 of LSAP
 constexpr int pvc_dte_nibbles = 3;
 
 // Result of an address that stops after its subnetwork number: fine, except
@@ -23,19 +24,19 @@ int subnetwork_only(int address_class) {
 }
 
 // Reads the DTE digits at `p`; returns the position after them, or null when
-// the digits break the rules of the address class.
+// the digits break the rules of the address class. The record is zero:
+// each digit goes into its half of the byte.
 const char *parse_dte(const char *p, x25_address *address, int address_class) {
-    int count = 0;
+    unsigned count = 0;
     bool wildcard = false;
-    while (count < max_dte_nibbles) {
+    for (; count < max_dte_nibbles; ++count, ++p) {
         int value = hex_value(*p);
-        if (*p == '*' || *p == '?') {
+        if (value < 0) {
+            if (*p != '*' && *p != '?') break;
             value = *p == '*' ? 15 : 14;
             wildcard = true;
         }
-        if (value < 0) break;
-        put_nibble(address->dte, count++, value);
-        ++p;
+        address->dte[count / 2] |= static_cast<uint8_t>(count % 2 == 0 ? value << 4 : value);
     }
     if (address_class == lan_class) {
         if (count != lan_dte_nibbles || wildcard) return nullptr;
@@ -52,9 +53,9 @@ int parse_extension(const char *p, x25_address *address, int address_class) {
         return 0;
     }
     if (address_class == x25_1980_class) return -1;
-    int count = 0;
-    for (int value; count < max_ext_nibbles && (value = hex_value(*p)) >= 0; ++p)
-        put_nibble(address->ext, count++, value);
+    unsigned count = 0;
+    for (int value; count < max_ext_nibbles && (value = hex_value(*p)) >= 0; ++p, ++count)
+        address->ext[count / 2] |= static_cast<uint8_t>(count % 2 == 0 ? value << 4 : value);
     if (!ends_text(*p)) return -1;
     address->ext_len = static_cast<uint8_t>(count);
     return 0;
@@ -93,7 +94,9 @@ int stox25(const char *text, x25_address *address, unsigned int check) {
     if (text == nullptr || address == nullptr) return -1;
     std::memset(address, 0, sizeof *address);
     address->ext_type = X25_EXT_NSAP;
-    address->snid = snidtox25(text);
+    // The subnetwork number's "." is the first one of the text.
+    const char *dot = nullptr;
+    address->snid = subnetwork_prefix(text, dot);
     bool has_snid = address->snid != X25_NO_SNID;
 
     int address_class = 0;
@@ -102,12 +105,12 @@ int stox25(const char *text, x25_address *address, unsigned int check) {
         if (address_class < 0) address_class = 0;
     }
 
-    const char *p = has_snid ? std::strchr(text, '.') : text;
-    if (p == nullptr || ends_text(*p)) return subnetwork_only(address_class);
+    const char *p = text;
     if (has_snid) {
-        if (*p != '.') return -1;
-        ++p;
+        p = dot + 1;
         if (ends_text(*p)) return subnetwork_only(address_class);
+    } else if (ends_text(*p)) {
+        return subnetwork_only(address_class);
     }
 
     if (*p != '.') {

@@ -74,14 +74,26 @@ class text_database {
     // until it accepts one (true) or refuses to go on or the file ends
     // (false).
     bool next(parser parse);
+    // next(), for a parser that accepts no line without `needle` in it:
+    // the file is read in large blocks and only the lines that hold the
+    // needle are handed to the parser, each as next() would hand it over.
+    // The file is left where next() would leave it.
+    bool next_holding(const char *needle, parser parse);
 
     // The line last read; the entries of the database point into it.
     char line[database_line_size] = {};
 
   private:
+    // Opens the file when it is closed; false when it cannot be opened.
+    bool open();
+
     const char *file_name_;
     FILE *stream_ = nullptr;
     bool stay_open_ = false;
+    bool at_start_ = false; // nothing read since the file was opened or rewound
+    // The stream's buffer: one stream at a time per database, and given
+    // here, the C library does not ask the file system for a size of its own.
+    char buffer_[BUFSIZ] = {};
 };
 
 } // namespace qx25

@@ -10,8 +10,8 @@ namespace qx25 {
 
 namespace {
 
-// Keeps the descriptor when it is a regular file and turns blocking back on;
-// otherwise closes it and sets errno to say what stood there.
+// Keeps the descriptor when it is a regular file; otherwise closes it and
+// sets errno to say what stood there.
 bool keep_if_regular(int fd) {
     struct stat status {};
     if (fstat(fd, &status) != 0) {
@@ -25,8 +25,14 @@ bool keep_if_regular(int fd) {
         errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
         return false;
     }
-    int flags = fcntl(fd, F_GETFL);
-    if (flags == -1 || fcntl(fd, F_SETFL, flags & ~O_NONBLOCK) == -1) {
+    return true;
+}
+
+// Turns blocking back on for a descriptor opened with O_NONBLOCK as its
+// only status flag (clearing them all does it in one call); closes it on
+// failure.
+bool blocking_again(int fd) {
+    if (fcntl(fd, F_SETFL, 0) == -1) {
         int saved = errno;
         close(fd);
         errno = saved;
@@ -48,7 +54,9 @@ FILE *stream_of(int fd, const char *mode) {
 } // namespace
 
 FILE *open_regular_file(const char *path) {
-    // Without O_NONBLOCK, opening a FIFO would wait for a writer.
+    // Without O_NONBLOCK, opening a FIFO would wait for a writer. Reading a
+    // regular file never waits, so the flag can stay: it has no effect on
+    // regular files, and one system call a file is saved.
     int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (fd == -1 || !keep_if_regular(fd)) return nullptr;
     return stream_of(fd, "r");
@@ -57,7 +65,7 @@ FILE *open_regular_file(const char *path) {
 FILE *create_regular_file(const char *path) {
     // Truncated only once it is known to be a regular file.
     int fd = open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
-    if (fd == -1 || !keep_if_regular(fd)) return nullptr;
+    if (fd == -1 || !keep_if_regular(fd) || !blocking_again(fd)) return nullptr;
     if (ftruncate(fd, 0) != 0) {
         int saved = errno;
         close(fd);
