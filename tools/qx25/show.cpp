@@ -138,6 +138,20 @@ int run_show(const command &self, const arguments &args) {
     if (int status = read_one_link(self, args, path, records, messages); status != exit_ok)
         return status;
 
+    if (args.given("--json")) {
+        std::string written;
+        int result = records.write_text(written);
+        std::vector<std::string> write_messages = take_messages();
+        messages.insert(messages.end(), write_messages.begin(), write_messages.end());
+        complain_all(self.name, messages);
+        if (result != 0) {
+            complain(self.name, std::string("cannot write ") + path + ": " + std::strerror(result));
+            return exit_failure;
+        }
+        print_show_json(path, records.config.ids, written);
+        return messages.empty() ? exit_ok : exit_failure;
+    }
+
     // The writer closes the stream it is given: give it a copy of standard
     // output of its own.
     std::cout.flush();
