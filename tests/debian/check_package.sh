@@ -11,13 +11,8 @@ for program in dpkg-buildpackage dh lintian; do
     fi
 done
 
-scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
-failures=0
-fail() {
-    echo "FAIL: $*"
-    failures=$((failures + 1))
-}
+# shellcheck source=../support/script_checks.sh
+source "$(dirname "$0")/../support/script_checks.sh"
 
 # The tracked and new files of the tree, without build directories.
 mkdir "$scratch/libqx25"

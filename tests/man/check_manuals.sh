@@ -9,13 +9,8 @@ library=$2
 cmake=$3
 tool=$4
 
-scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
-failures=0
-fail() {
-    echo "FAIL: $*"
-    failures=$((failures + 1))
-}
+# shellcheck source=../support/script_checks.sh
+source "$(dirname "$0")/../support/script_checks.sh"
 
 # 1. Every page lints clean.
 mapfile -t pages < <(find "$build_dir/man" -name '*.[135]' | sort)
