@@ -24,6 +24,7 @@ class Tool : public testing::Test {
 const char *const usage =
     "usage: qx25 COMMAND [ARGUMENTS]\n"
     "       qx25 COMMAND --help\n"
+    "       qx25 --version\n"
     "\n"
     "Commands:\n"
     "  addr      parse X.25 addresses and show their fields\n"
@@ -54,6 +55,13 @@ TEST_F(Tool, HelpListsTheCommands) {
     auto result = run_tool({"--help"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, usage);
+    EXPECT_EQ(result.err, "");
+}
+
+TEST_F(Tool, VersionNamesTheToolAndTheLibrary) {
+    auto result = run_tool({"--version"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "qx25 " QX25_VERSION " (libqx25.so." QX25_SOVERSION ")\n");
     EXPECT_EQ(result.err, "");
 }
 

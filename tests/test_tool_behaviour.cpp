@@ -101,7 +101,8 @@ TEST_F(ToolBehaviour, DoubleDashEndsTheOptions) {
 TEST_F(ToolBehaviour, UnknownOptionsAreUsageErrors) {
     auto result = run_tool({"links", "--all"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 links: unknown option '--all'\nqx25 links: usage: qx25 links \n");
+    EXPECT_EQ(result.err,
+              "qx25 links: unknown option '--all'\nqx25 links: usage: qx25 links [--json]\n");
     auto late = run_tool({"set", "2", "--dry-run", "lapb", "n2_count"});
     EXPECT_EQ(late.status, 2); // options stand before the operands
 }

@@ -309,38 +309,44 @@ TEST_F(ToolLinks, LinksHelp) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
     EXPECT_EQ(result.out,
-              "usage: qx25 links \n"
+              "usage: qx25 links [--json]\n"
               "\n"
               "Finds every link file of $X25CONFIGFILES/config and prints one line per\n"
               "link, in link order: number, alias, type, X.25 version, frame protocol,\n"
               "DTE or DCE side, devices, full address, number of PVCs and description.\n"
               "A file that cannot be read, or that names a device another link uses, is\n"
-              "reported and left out; the exit status is then 1.\n");
+              "reported and left out; the exit status is then 1.\n"
+              "\n"
+              "  --json   print the records as one JSON object (see qx25(1))\n");
 }
 
 TEST_F(ToolLinks, PvcsHelp) {
     auto result = run_tool({"pvcs", "-h"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out,
-              "usage: qx25 pvcs [LINK]\n"
+              "usage: qx25 pvcs [--json] [LINK]\n"
               "\n"
               "Prints the PVCs that $X25CONFIGFILES/pvcmapconf gives the configured links,\n"
               "or those of link number LINK: link, logical channel number (hexadecimal),\n"
               "the two packet sizes in bytes and the two window sizes. The exit status is\n"
               "1 when a link file was left out (see links) or the library reported a\n"
-              "problem.\n");
+              "problem.\n"
+              "\n"
+              "  --json   print the records as one JSON object (see qx25(1))\n");
 }
 
 TEST_F(ToolLinks, ShowHelp) {
     auto result = run_tool({"show", "--help"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out,
-              "usage: qx25 show LINK|FILE\n"
+              "usage: qx25 show [--json] LINK|FILE\n"
               "\n"
               "Reads a link configuration, given by link number or by file name as for\n"
               "check, and prints it in the file format as the library writes it: every\n"
               "value, defaults included, with the comments of the file. What the reader\n"
-              "reported is shown on standard error.\n");
+              "reported is shown on standard error.\n"
+              "\n"
+              "  --json   print the records as one JSON object (see qx25(1))\n");
 }
 
 TEST_F(ToolLinks, SetHelp) {
@@ -453,7 +459,8 @@ TEST_F(ToolLinks, LinksWhoseFilesCannotBeReadFails) {
 TEST_F(ToolLinks, LinksTakesNoArguments) {
     auto result = run_tool({"links", "2"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "qx25 links: no arguments are taken\nqx25 links: usage: qx25 links \n");
+    EXPECT_EQ(result.err,
+              "qx25 links: no arguments are taken\nqx25 links: usage: qx25 links [--json]\n");
 }
 
 // ---- pvcs -------------------------------------------------------------------------
@@ -508,11 +515,12 @@ TEST_F(ToolLinks, PvcsUsageErrors) {
     auto result = run_tool({"pvcs", "two"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "qx25 pvcs: LINK must be a link number from 0 to 254\nqx25 pvcs: usage: "
-                          "qx25 pvcs [LINK]\n");
+                          "qx25 pvcs [--json] [LINK]\n");
     result = run_tool({"pvcs", "2", "3"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err,
-              "qx25 pvcs: at most one LINK is taken\nqx25 pvcs: usage: qx25 pvcs [LINK]\n");
+    EXPECT_EQ(
+        result.err,
+        "qx25 pvcs: at most one LINK is taken\nqx25 pvcs: usage: qx25 pvcs [--json] [LINK]\n");
 }
 
 // ---- show -------------------------------------------------------------------------
@@ -578,8 +586,9 @@ TEST_F(ToolLinks, ShowOfALinkThatDoesNotExist) {
 TEST_F(ToolLinks, ShowNeedsOneLinkOrFile) {
     auto result = run_tool({"show"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err,
-              "qx25 show: one LINK or FILE is needed\nqx25 show: usage: qx25 show LINK|FILE\n");
+    EXPECT_EQ(
+        result.err,
+        "qx25 show: one LINK or FILE is needed\nqx25 show: usage: qx25 show [--json] LINK|FILE\n");
     result = run_tool({"show", "123456"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "qx25 show: '123456' names no link file\n");

@@ -132,8 +132,9 @@ TEST_F(NameTool, PadErrors) {
     EXPECT_EQ(result.err, "qx25 pad: no entry for 2.1 in " + config("padmapconf") + "\n");
     result = run_tool({"pad", "2.G"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err,
-              "qx25 pad: invalid X.25 address '2.G'\nqx25 pad: usage: qx25 pad [ADDRESS]\n");
+    EXPECT_EQ(
+        result.err,
+        "qx25 pad: invalid X.25 address '2.G'\nqx25 pad: usage: qx25 pad [--json] [ADDRESS]\n");
     std::remove(config("padmapconf").c_str());
     result = run_tool({"pad"});
     EXPECT_EQ(result.status, 0);

@@ -116,6 +116,32 @@ struct column {
 void print_table(std::span<const column> columns,
                  const std::vector<std::vector<std::string>> &rows);
 
+// ---- JSON output (--json) ---------------------------------------------------------
+
+// How a cell of a table is written as a JSON value.
+enum class json_kind {
+    text,         // the text as it is
+    text_or_null, // null for "-" or the empty text
+    number,       // a decimal number; null when the cell is not one
+    hex_number,   // a hexadecimal number (channel numbers); null when not one
+    list,         // the items between the field's separators; [] for "-" or ""
+};
+struct json_field {
+    std::string_view key;
+    json_kind kind;
+    std::string_view separator = ","; // of a list
+};
+using table_rows = std::vector<std::vector<std::string>>;
+
+class json_writer;
+// Writes "NAME": [...] into an open object, one object a row, its cells
+// under the keys and in the kinds of the fields.
+void write_json_rows(json_writer &json, std::string_view name, std::span<const json_field> fields,
+                     const table_rows &rows);
+// Prints {"NAME": [...]} on standard output.
+void print_json_rows(std::string_view name, std::span<const json_field> fields,
+                     const table_rows &rows);
+
 // True when the text is a decimal number and nothing else.
 bool is_number(const char *text);
 
@@ -174,6 +200,11 @@ struct link_records {
 // `messages`. exit_ok, or the exit status after saying what went wrong.
 int read_one_link(const command &self, const arguments &args, std::string &path,
                   link_records &records, std::vector<std::string> &messages);
+
+// Prints show --json: the file's path and identification, and the sections
+// and values of the text the writer wrote for it (show_json.cpp).
+void print_show_json(const std::string &path, const config_identification &ids,
+                     std::string_view written);
 
 // ---- Link discovery (links.cpp) ---------------------------------------------------
 

@@ -22,6 +22,14 @@ const char *kind_name(int type) {
     return type == DEVICE_WAN ? "WAN" : type == DEVICE_LAN ? "LAN" : "?";
 }
 
+// The comments the table's rows own.
+void release_comments() {
+    for (device_type &row : __config_linktype) {
+        std::free(row.comment);
+        row.comment = nullptr;
+    }
+}
+
 } // namespace
 
 int run_devices(const command &self, const arguments &args) {
@@ -32,7 +40,28 @@ int run_devices(const command &self, const arguments &args) {
         complain(self.name, "cannot read " + path + ": " + open_failure_reason(path, error));
         return exit_failure;
     }
-    if (__config_linktype[0].valid != 1) {
+    bool any = __config_linktype[0].valid == 1;
+    if (args.given("--json")) {
+        table_rows rows;
+        for (int row = 0;
+             any && row < DEVICE_TYPE_ROWS && __config_linktype[row].type != DEVICE_END; ++row) {
+            const device_type &d = __config_linktype[row];
+            rows.push_back({std::to_string(row), text(d.symbolic, sizeof d.symbolic),
+                            text(d.device, sizeof d.device), kind_name(d.type),
+                            std::to_string(d.lines), text(d.wanmod, sizeof d.wanmod),
+                            std::to_string(d.mru), d.comment != nullptr ? d.comment : ""});
+        }
+        constexpr json_field fields[] = {
+            {"row", json_kind::number},   {"symbolic", json_kind::text},
+            {"device", json_kind::text},  {"kind", json_kind::text},
+            {"lines", json_kind::number}, {"module", json_kind::text},
+            {"mru", json_kind::number},   {"comment", json_kind::text_or_null},
+        };
+        print_json_rows("devices", fields, rows);
+        release_comments();
+        return exit_ok;
+    }
+    if (!any) {
         std::cout << "no devices in " << qx25::config_dir() << "/boardconf\n";
         return exit_ok;
     }
@@ -46,10 +75,7 @@ int run_devices(const command &self, const arguments &args) {
                     text(d.wanmod, sizeof d.wanmod).c_str(), d.mru,
                     d.comment != nullptr ? d.comment : "");
     }
-    for (device_type &row : __config_linktype) {
-        std::free(row.comment);
-        row.comment = nullptr;
-    }
+    release_comments();
     return exit_ok;
 }
 

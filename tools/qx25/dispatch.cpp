@@ -4,6 +4,7 @@
 // collected for the command and shown with its name.
 #include "command.h"
 
+#include "paths.h"
 #include "qx25.h"
 
 #include <algorithm>
@@ -15,13 +16,14 @@ namespace {
 
 void print_usage(std::span<const command> table, std::ostream &out) {
     out << "usage: qx25 COMMAND [ARGUMENTS]\n"
-           "       qx25 COMMAND --help\n\n"
+           "       qx25 COMMAND --help\n"
+           "       qx25 --version\n\n"
            "Commands:\n";
     for (const command &cmd : table)
         out << "  " << cmd.name << std::string(10 - std::min<std::size_t>(cmd.name.size(), 9), ' ')
             << cmd.summary << '\n';
-    out << "\nFiles are looked up under $X25CONFIGFILES (default /etc/opt/Tarvenco/x25)\n"
-           "and $X25LIBFILES (default /opt/Tarvenco/x25/lib).\n";
+    out << "\nFiles are looked up under $X25CONFIGFILES (default " << qx25::default_config_dir
+        << ")\nand $X25LIBFILES (default " << qx25::default_lib_dir << ").\n";
 }
 
 void print_command_help(const command &cmd) {
@@ -77,6 +79,10 @@ int dispatch(std::span<const command> table, int argc, char **argv) {
     std::string_view name = argv[1];
     if (name == "--help" || name == "-h" || name == "help") {
         print_usage(table, std::cout);
+        return exit_ok;
+    }
+    if (name == "--version") {
+        std::cout << "qx25 " << QX25_VERSION << " (libqx25.so." << QX25_SOVERSION << ")\n";
         return exit_ok;
     }
     auto cmd = std::find_if(table.begin(), table.end(),

@@ -13,6 +13,13 @@ int run_hosts(const command &self, const arguments &args) {
     while (const xhost_entry *host = getxhostent())
         rows.push_back({address_text(*host->xh_addr), host->xh_name, aliases_text(*host)});
     endxhostent();
+    if (args.given("--json")) {
+        constexpr json_field fields[] = {{"address", json_kind::text},
+                                         {"name", json_kind::text},
+                                         {"aliases", json_kind::list, " "}};
+        print_json_rows("hosts", fields, rows);
+        return exit_ok;
+    }
     if (rows.empty()) {
         std::cout << "no hosts in " << database_file("xhosts") << '\n';
         return exit_ok;

@@ -2,6 +2,7 @@
 // what does not fit together flagged: a device boardconf does not know, a
 // device two links use, a link file that cannot be read, a PVC of no link.
 #include "command.h"
+#include "json_writer.h"
 
 #include "link_config.h"
 #include "messages.h"
@@ -149,11 +150,14 @@ const char *kind_name(int type) {
     return type == DEVICE_WAN ? "WAN" : type == DEVICE_LAN ? "LAN" : "?";
 }
 
-void print_devices(const std::vector<inventory_link> &links) {
-    std::cout << "Devices of " << qx25::config_dir() << "/boardconf:\n";
-    constexpr column columns[] = {{"ROW", true},   {"SYMBOLIC", false}, {"DEVICE", false},
-                                  {"KIND", false}, {"LINES", true},     {"USED BY", false}};
-    std::vector<std::vector<std::string>> rows;
+constexpr column device_columns[] = {{"ROW", true},   {"SYMBOLIC", false}, {"DEVICE", false},
+                                     {"KIND", false}, {"LINES", true},     {"USED BY", false}};
+constexpr json_field device_fields[] = {
+    {"row", json_kind::number}, {"symbolic", json_kind::text}, {"device", json_kind::text},
+    {"kind", json_kind::text},  {"lines", json_kind::number},  {"used_by", json_kind::list, ", "}};
+
+table_rows device_rows(const std::vector<inventory_link> &links) {
+    table_rows rows;
     for (int row = 0; row < DEVICE_TYPE_ROWS && __config_linktype[row].type != DEVICE_END; ++row) {
         const device_type &d = __config_linktype[row];
         std::vector<std::string> users;
@@ -170,19 +174,20 @@ void print_devices(const std::vector<inventory_link> &links) {
              std::string(d.device, ::strnlen(d.device, sizeof d.device)), kind_name(d.type),
              std::to_string(d.lines), users.empty() ? "-" : joined(users, ", ")});
     }
-    print_table(columns, rows);
+    return rows;
 }
 
-void print_links(const std::vector<inventory_link> &links) {
-    std::cout << "\nLinks of " << qx25::config_dir() << "/config:\n";
-    if (links.empty()) {
-        std::cout << "no links\n";
-        return;
-    }
-    constexpr column columns[] = {{"LINK", true},     {"FILE", false},    {"ALIAS", false},
-                                  {"DEVICES", false}, {"ADDRESS", false}, {"PVCS", true},
-                                  {"FLAGS", false}};
-    std::vector<std::vector<std::string>> rows;
+constexpr column link_columns[] = {{"LINK", true},     {"FILE", false},    {"ALIAS", false},
+                                   {"DEVICES", false}, {"ADDRESS", false}, {"PVCS", true},
+                                   {"FLAGS", false}};
+constexpr json_field link_fields[] = {
+    {"link", json_kind::number},          {"file", json_kind::text},
+    {"alias", json_kind::text_or_null},   {"devices", json_kind::list},
+    {"address", json_kind::text_or_null}, {"pvcs", json_kind::number},
+    {"flags", json_kind::list, "; "}};
+
+table_rows link_rows(const std::vector<inventory_link> &links) {
+    table_rows rows;
     for (const inventory_link &link : links) {
         std::string flags = link.flags.empty() ? "-" : joined(link.flags, "; ");
         if (link.node == nullptr) {
@@ -198,16 +203,21 @@ void print_links(const std::vector<inventory_link> &links) {
                         names.empty() ? "-" : joined(names, ","), address_of(values.subnet.address),
                         std::to_string(pvcs), flags});
     }
-    print_table(columns, rows);
+    return rows;
 }
 
-void print_pvcs(const link_node *head) {
-    std::cout << "\nPVCs of " << qx25::config_dir() << "/pvcmapconf:\n";
-    constexpr column columns[] = {
-        {"LINK", true},     {"LCN", true},     {"PKTSIZE1", true},
-        {"PKTSIZE2", true}, {"WINDOW1", true}, {"WINDOW2", true},
-    };
-    std::vector<std::vector<std::string>> rows;
+constexpr column pvc_columns[] = {
+    {"LINK", true},     {"LCN", true},     {"PKTSIZE1", true},
+    {"PKTSIZE2", true}, {"WINDOW1", true}, {"WINDOW2", true},
+};
+constexpr json_field pvc_fields[] = {
+    {"link", json_kind::number},          {"lcn", json_kind::hex_number},
+    {"packet_size_1", json_kind::number}, {"packet_size_2", json_kind::number},
+    {"window_1", json_kind::number},      {"window_2", json_kind::number},
+};
+
+table_rows pvc_rows(const link_node *head) {
+    table_rows rows;
     for (const link_node *node = head; node != nullptr; node = node->next)
         for (const pvc_entry *pvc = node->link.values.pvcs; pvc != nullptr; pvc = pvc->next) {
             char lcn[16];
@@ -217,10 +227,32 @@ void print_pvcs(const link_node *head) {
                             size(pvc->pktsize[1]), std::to_string(pvc->window[0]),
                             std::to_string(pvc->window[1])});
         }
-    if (rows.empty())
+    return rows;
+}
+
+void print_inventory(const std::vector<inventory_link> &links, const link_node *head) {
+    std::cout << "Devices of " << qx25::config_dir() << "/boardconf:\n";
+    print_table(device_columns, device_rows(links));
+    std::cout << "\nLinks of " << qx25::config_dir() << "/config:\n";
+    if (links.empty())
+        std::cout << "no links\n";
+    else
+        print_table(link_columns, link_rows(links));
+    std::cout << "\nPVCs of " << qx25::config_dir() << "/pvcmapconf:\n";
+    table_rows pvcs = pvc_rows(head);
+    if (pvcs.empty())
         std::cout << "no PVCs\n";
     else
-        print_table(columns, rows);
+        print_table(pvc_columns, pvcs);
+}
+
+void print_inventory_json(const std::vector<inventory_link> &links, const link_node *head) {
+    json_writer json(std::cout);
+    json.begin_object();
+    write_json_rows(json, "devices", device_fields, device_rows(links));
+    write_json_rows(json, "links", link_fields, link_rows(links));
+    write_json_rows(json, "pvcs", pvc_fields, pvc_rows(head));
+    json.end();
 }
 
 } // namespace
@@ -239,9 +271,10 @@ int run_inventory(const command &self, const arguments &args) {
     __fill_PVC_lists(head);
     bool unattached = complain_all(self.name, take_messages());
 
-    print_devices(links);
-    print_links(links);
-    print_pvcs(head);
+    if (args.given("--json"))
+        print_inventory_json(links, head);
+    else
+        print_inventory(links, head);
 
     bool flagged = boardconf_reports || unattached ||
                    std::any_of(links.begin(), links.end(),

@@ -190,9 +190,10 @@ void release_links(link_node *head) {
 
 int run_links(const command &self, const arguments &args) {
     if (!args.empty()) return usage_error(self, "no arguments are taken");
+    bool json = args.given("--json");
     bool failed = false;
     link_node *head = discover_links(self, &failed);
-    if (head == nullptr) {
+    if (head == nullptr && !json) {
         if (!failed) std::cout << "no links in " << qx25::config_dir() << "/config\n";
         return failed ? exit_failure : exit_ok;
     }
@@ -212,7 +213,17 @@ int run_links(const command &self, const arguments &args) {
                         std::to_string(pvc_count(link)),
                         link.subnet.description != nullptr ? link.subnet.description : ""});
     }
-    print_table(columns, rows);
+    constexpr json_field fields[] = {
+        {"link", json_kind::number},   {"alias", json_kind::text_or_null},
+        {"type", json_kind::text},     {"version", json_kind::text},
+        {"protocol", json_kind::text}, {"mode", json_kind::text},
+        {"devices", json_kind::list},  {"address", json_kind::text_or_null},
+        {"pvcs", json_kind::number},   {"description", json_kind::text_or_null},
+    };
+    if (json)
+        print_json_rows("links", fields, rows);
+    else
+        print_table(columns, rows);
     release_links(head);
     return failed ? exit_failure : exit_ok;
 }

@@ -31,35 +31,40 @@ constexpr command command_table[] = {
      "line ends, values it bends). A file without findings is FILE: ok. The exit\n"
      "status is 0 only when nothing was found.\n",
      run_check},
-    {"devices", "", "show the device type table read from boardconf",
+    {"devices", "[--json]", "show the device type table read from boardconf",
      "Reads $X25CONFIGFILES/boardconf and prints its device kinds: row, symbolic\n"
      "name, device name prefix, WAN or LAN, lines per board, driver module,\n"
-     "maximum receive unit and comment.\n",
-     run_devices},
-    {"networks", "", "show the network profiles of world_networks.profile",
+     "maximum receive unit and comment.\n\n"
+     "  --json   print the records as one JSON object (see qx25(1))\n",
+     run_devices, "--json"},
+    {"networks", "[--json]", "show the network profiles of world_networks.profile",
      "Reads $X25LIBFILES/world_networks.profile and prints the number, name and\n"
-     "description of each network.\n",
-     run_networks},
-    {"links", "", "list the configured links",
+     "description of each network.\n\n"
+     "  --json   print the records as one JSON object (see qx25(1))\n",
+     run_networks, "--json"},
+    {"links", "[--json]", "list the configured links",
      "Finds every link file of $X25CONFIGFILES/config and prints one line per\n"
      "link, in link order: number, alias, type, X.25 version, frame protocol,\n"
      "DTE or DCE side, devices, full address, number of PVCs and description.\n"
      "A file that cannot be read, or that names a device another link uses, is\n"
-     "reported and left out; the exit status is then 1.\n",
-     run_links},
-    {"pvcs", "[LINK]", "list the permanent virtual circuits of the links",
+     "reported and left out; the exit status is then 1.\n\n"
+     "  --json   print the records as one JSON object (see qx25(1))\n",
+     run_links, "--json"},
+    {"pvcs", "[--json] [LINK]", "list the permanent virtual circuits of the links",
      "Prints the PVCs that $X25CONFIGFILES/pvcmapconf gives the configured links,\n"
      "or those of link number LINK: link, logical channel number (hexadecimal),\n"
      "the two packet sizes in bytes and the two window sizes. The exit status is\n"
      "1 when a link file was left out (see links) or the library reported a\n"
-     "problem.\n",
-     run_pvcs},
-    {"show", "LINK|FILE", "print a link configuration as the library writes it",
+     "problem.\n\n"
+     "  --json   print the records as one JSON object (see qx25(1))\n",
+     run_pvcs, "--json"},
+    {"show", "[--json] LINK|FILE", "print a link configuration as the library writes it",
      "Reads a link configuration, given by link number or by file name as for\n"
      "check, and prints it in the file format as the library writes it: every\n"
      "value, defaults included, with the comments of the file. What the reader\n"
-     "reported is shown on standard error.\n",
-     run_show},
+     "reported is shown on standard error.\n\n"
+     "  --json   print the records as one JSON object (see qx25(1))\n",
+     run_show, "--json"},
     {"set", "[--dry-run] LINK SECTION KEYWORD VALUE", "change one keyword of a link configuration",
      "Gives KEYWORD of SECTION of link number LINK the VALUE by changing the value\n"
      "on the keyword's line of the link's file, or by adding a line for it at the\n"
@@ -90,25 +95,28 @@ constexpr command command_table[] = {
      "or, when no host has that name, ADDRESS among their X.25 addresses, and\n"
      "prints the host's address, name and aliases.\n",
      run_host},
-    {"hosts", "", "list the hosts of xhosts",
+    {"hosts", "[--json]", "list the hosts of xhosts",
      "Prints every host of $X25CONFIGFILES/xhosts in file order: address, name\n"
-     "and aliases. Lines the library does not take as hosts are left out.\n",
-     run_hosts},
-    {"subnets", "", "list the subnetworks the configured links make",
+     "and aliases. Lines the library does not take as hosts are left out.\n\n"
+     "  --json   print the records as one JSON object (see qx25(1))\n",
+     run_hosts, "--json"},
+    {"subnets", "[--json]", "list the subnetworks the configured links make",
      "Prints the subnetworks of the subnetworks database, one per configured link\n"
-     "in link order: number, alias name, full address and description.\n",
-     run_subnets},
+     "in link order: number, alias name, full address and description.\n\n"
+     "  --json   print the records as one JSON object (see qx25(1))\n",
+     run_subnets, "--json"},
     {"call", "NAME|ADDRESS", "show the PAD call string of a host or address",
      "Prints the call string a PAD user's NAME (a host of xhosts) or ADDRESS\n"
      "turns into: the called address, \" +\" and the calling address of its link,\n"
      "then the facilities of its padmapconf entry. An ADDRESS is checked\n"
      "against the address class of the link its subnetwork names.\n",
      run_call},
-    {"pad", "[ADDRESS]", "list the PAD map entries and their facilities",
+    {"pad", "[--json] [ADDRESS]", "list the PAD map entries and their facilities",
      "Prints the entries of $X25CONFIGFILES/padmapconf, or the entry the library\n"
      "finds for ADDRESS: the address and its facilities as a PAD user types\n"
-     "them after it.\n",
-     run_pad},
+     "them after it.\n\n"
+     "  --json   print the records as one JSON object (see qx25(1))\n",
+     run_pad, "--json"},
     {"profile", "ADDRESS", "show the X.29 profile of an address",
      "Prints the X.29 profile $X25CONFIGFILES/x29profile gives ADDRESS: its kind\n"
      "(S, C, P, or V and a number), the T flag and the X.3 parameters the line\n"
@@ -131,14 +139,15 @@ constexpr command command_table[] = {
      "problems (see check). The WAN layer has no driver: put and get do nothing.\n",
      run_template},
     // ---- Link inventory and legacy configuration import ----
-    {"inventory", "", "show devices, links and PVCs together, with their conflicts",
+    {"inventory", "[--json]", "show devices, links and PVCs together, with their conflicts",
      "Prints the device kinds of $X25CONFIGFILES/boardconf with the links that use\n"
      "each, the links of $X25CONFIGFILES/config with their devices and PVCs, and\n"
      "the PVCs of pvcmapconf. A link whose file names a device boardconf does not\n"
      "know, or a device another link uses too, is flagged; so is a file that\n"
      "cannot be read and a PVC of a link that is not configured. The exit status\n"
-     "is 1 when anything was flagged.\n",
-     run_inventory},
+     "is 1 when anything was flagged.\n\n"
+     "  --json   print the records as one JSON object (see qx25(1))\n",
+     run_inventory, "--json"},
     {"import", "[--dry-run]", "write link files from the older x25conf",
      "Reads $X25CONFIGFILES/x25conf, the older list of links (one device a line;\n"
      "several lines for one link make an MLP link), with the addresses, aliases and\n"

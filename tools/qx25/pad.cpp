@@ -38,13 +38,17 @@ int run_pad(const command &self, const arguments &args) {
         while (const pad_entry *entry = getpadent())
             rows.push_back(row_of(self, *entry));
         endpadent();
-        if (rows.empty()) {
+        if (rows.empty() && !args.given("--json")) {
             std::cout << "no entries in " << database_file("padmapconf") << '\n';
             return exit_ok;
         }
     }
     constexpr column columns[] = {{"ADDRESS", false}, {"FACILITIES", false}};
-    print_table(columns, rows);
+    constexpr json_field fields[] = {{"address", json_kind::text}, {"facilities", json_kind::text}};
+    if (args.given("--json"))
+        print_json_rows("pad", fields, rows);
+    else
+        print_table(columns, rows);
     return exit_ok;
 }
 

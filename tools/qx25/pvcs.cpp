@@ -32,6 +32,7 @@ int run_pvcs(const command &self, const arguments &args) {
     int wanted = one_link ? link_number(args[0]) : 0;
     if (wanted < 0) return usage_error(self, "LINK must be a link number from 0 to 254");
 
+    bool json = args.given("--json");
     bool failed = false;
     link_node *head = discover_links(self, &failed);
     if (head == nullptr && failed) return exit_failure;
@@ -52,6 +53,15 @@ int run_pvcs(const command &self, const arguments &args) {
     if (one_link && !found) {
         complain(self.name, "link " + std::string(args[0]) + " is not configured");
         return exit_failure;
+    }
+    constexpr json_field fields[] = {
+        {"link", json_kind::number},          {"lcn", json_kind::hex_number},
+        {"packet_size_1", json_kind::number}, {"packet_size_2", json_kind::number},
+        {"window_1", json_kind::number},      {"window_2", json_kind::number},
+    };
+    if (json) {
+        print_json_rows("pvcs", fields, rows);
+        return failed ? exit_failure : exit_ok;
     }
     if (rows.empty()) {
         if (one_link)

@@ -138,20 +138,28 @@ int run_show(const command &self, const arguments &args) {
     if (int status = read_one_link(self, args, path, records, messages); status != exit_ok)
         return status;
 
-    // The writer closes the stream it is given: give it a copy of standard
-    // output of its own.
-    std::cout.flush();
-    std::fflush(stdout);
-    int fd = ::dup(STDOUT_FILENO);
-    FILE *stream = fd >= 0 ? ::fdopen(fd, "w") : nullptr;
-    if (stream == nullptr) {
-        int error = errno;
-        if (fd >= 0) ::close(fd);
-        complain(self.name,
-                 std::string("cannot write to standard output: ") + std::strerror(error));
-        return exit_failure;
+    // The JSON form is made from the writer's text; the text form goes
+    // straight out. The writer closes the stream it is given: it gets a copy
+    // of standard output of its own.
+    bool json = args.given("--json");
+    std::string written;
+    int result = 0;
+    if (json) {
+        result = records.write_text(written);
+    } else {
+        std::cout.flush();
+        std::fflush(stdout);
+        int fd = ::dup(STDOUT_FILENO);
+        FILE *stream = fd >= 0 ? ::fdopen(fd, "w") : nullptr;
+        if (stream == nullptr) {
+            int error = errno;
+            if (fd >= 0) ::close(fd);
+            complain(self.name,
+                     std::string("cannot write to standard output: ") + std::strerror(error));
+            return exit_failure;
+        }
+        result = records.write(stream);
     }
-    int result = records.write(stream);
     std::vector<std::string> write_messages = take_messages();
     messages.insert(messages.end(), write_messages.begin(), write_messages.end());
     complain_all(self.name, messages);
@@ -159,6 +167,7 @@ int run_show(const command &self, const arguments &args) {
         complain(self.name, std::string("cannot write ") + path + ": " + std::strerror(result));
         return exit_failure;
     }
+    if (json) print_show_json(path, records.config.ids, written);
     // What the library reported may be missing from what is shown.
     return messages.empty() ? exit_ok : exit_failure;
 }

@@ -19,6 +19,14 @@ int run_subnets(const command &self, const arguments &args) {
     }
     endsubnetent();
     bool reported = complain_all(self.name, take_messages());
+    if (args.given("--json")) {
+        constexpr json_field fields[] = {{"subnet", json_kind::number},
+                                         {"name", json_kind::text_or_null},
+                                         {"address", json_kind::text_or_null},
+                                         {"description", json_kind::text_or_null}};
+        print_json_rows("subnets", fields, rows);
+        return reported ? exit_failure : exit_ok;
+    }
     if (rows.empty()) {
         std::cout << "no subnetworks in " << database_file("config") << '\n';
         return reported ? exit_failure : exit_ok;

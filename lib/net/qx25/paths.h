@@ -7,7 +7,12 @@
 namespace qx25 {
 
 inline constexpr const char *default_config_dir = "/etc/opt/Tarvenco/x25";
+// The build may place the library data elsewhere (a distribution package).
+#ifdef QX25_DEFAULT_LIBFILES
+inline constexpr const char *default_lib_dir = QX25_DEFAULT_LIBFILES;
+#else
 inline constexpr const char *default_lib_dir = "/opt/Tarvenco/x25/lib";
+#endif
 
 // The directory named by the variable, or the default when it is unset or
 // empty (an empty name would put every file at the root directory).

@@ -272,7 +272,7 @@ bool write_wan(FILE *stream, const wan_section *wan, bool subsection) {
     section_writer out(stream, wan->keyword, __WAN_functions);
     out.header(wan->section, subsection ? "SUBSECTION\tWAN\n" : "SECTION\tWAN\n");
     if (v.tuning.line_speed == 0)
-        out.line(0, "\t\tExternal");
+        out.line(0, "%s", "\t\tExternal");
     else
         out.line(0, "\t\t%u", static_cast<unsigned>(v.tuning.line_speed));
     out.line(1, "\t\t%d", v.tuning.max_frame);
